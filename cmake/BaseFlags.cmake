@@ -1,0 +1,16 @@
+# The flags that every piece of the project is compiled with.
+add_library(BaseFlags INTERFACE)
+target_compile_options(BaseFlags INTERFACE
+  -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Wformat=2
+  -Wno-format-nonliteral -Werror -fvisibility=hidden -fvisibility-inlines-hidden -pthread)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(BaseFlags INTERFACE -fno-gnu-unique)
+endif()
+target_link_options(BaseFlags INTERFACE -pthread)
+target_include_directories(BaseFlags INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src/Components>)
+
+if(BASE_SANITIZE)
+  target_compile_options(BaseFlags INTERFACE -fsanitize=${BASE_SANITIZE} -fno-sanitize-recover=all
+    -fno-omit-frame-pointer)
+  target_link_options(BaseFlags INTERFACE -fsanitize=${BASE_SANITIZE})
+endif()
