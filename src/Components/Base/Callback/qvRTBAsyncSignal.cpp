@@ -1,0 +1,7 @@
+#include "Base/Callback/qvRTBAsyncSignal.h"
+
+namespace qvRTB {
+
+AsyncSignal::~AsyncSignal() = default;
+
+} // namespace qvRTB
