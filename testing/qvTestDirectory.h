@@ -1,0 +1,34 @@
+// A scratch directory for one test.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qvTest {
+
+/// An empty directory of its own, removed with all it holds when the object goes. Paths are native bytes.
+/// Everything goes past the library's platform layer, so scripted failures do not touch it.
+class Directory {
+public:
+  Directory();
+  ~Directory();
+  Directory(const Directory&) = delete;
+  Directory& operator=(const Directory&) = delete;
+
+  /// The directory, absolute, without a separator at the end.
+  [[nodiscard]] const std::string& path() const { return path_; }
+  /// The path of `name` in it.
+  [[nodiscard]] std::string path(std::string_view name) const;
+  /// Writes a file of that name, and gives its path.
+  std::string write(std::string_view name, std::string_view content) const;
+  /// The bytes of the file, or the text "<missing>" where there is none.
+  [[nodiscard]] std::string read(std::string_view name) const;
+  [[nodiscard]] bool exists(std::string_view name) const;
+  /// How many entries it has, at any depth.
+  [[nodiscard]] int entries() const;
+
+private:
+  std::string path_;
+};
+
+} // namespace qvTest
