@@ -20,7 +20,9 @@ add_library(Base SHARED ${objects})
 add_library(Base::Base ALIAS Base)
 set_target_properties(Base PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 target_compile_features(Base PUBLIC cxx_std_20)
-target_link_options(Base PRIVATE $<$<NOT:$<BOOL:${BASE_SANITIZE}>>:-Wl,-z,defs>)
+if(NOT BASE_SANITIZE) # the sanitizers' runtime is left to the program
+  target_link_options(Base PRIVATE -Wl,-z,defs)
+endif()
 target_link_libraries(Base PRIVATE $<BUILD_INTERFACE:BaseFlags>)
 target_include_directories(Base PUBLIC
   $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src/Components> $<INSTALL_INTERFACE:include>)

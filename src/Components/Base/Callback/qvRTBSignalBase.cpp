@@ -3,7 +3,7 @@
 namespace qvRTB {
 
 // The layout of an item: the list's links first, so that a walk touches one cache line.
-static_assert(sizeof(SignalBase::connectionItem) == 6 * sizeof(void*));
+static_assert(sizeof(SignalBase::connectionItem) == 5 * sizeof(void*) + 8);
 
 SignalBase::connectionItem::~connectionItem() { delete function_; }
 
