@@ -1,0 +1,18 @@
+// The one formatter of the library. Private: callers inside the library that own growing buffers use it to
+// learn the length of a text in one call; everybody else uses qvStringFormat.h.
+#pragma once
+
+#include "Base/qvBase.h"
+
+#include <cstddef>
+
+namespace qvString {
+
+/// Formats by the rules of qvStringFormat.h into `buffer` of `size` characters (null only if `size` is 0).
+/// What doesn't fit is dropped; the text is terminated whenever `size` isn't 0. A null format is an empty
+/// one. `args` is left as after the last argument read: copy it first to format again into a bigger buffer.
+/// @return the length of the whole text without the terminator, as if there had been room.
+std::size_t formatText(char* buffer, std::size_t size, const char* format, va_list args) noexcept;
+std::size_t formatText(qv::WChar* buffer, std::size_t size, const qv::WChar* format, va_list args) noexcept;
+
+} // namespace qvString
