@@ -8,6 +8,7 @@
 #include "Base/qvBase.h"
 
 #include <cstdint>
+#include <string>
 
 struct addrinfo;
 
@@ -63,7 +64,9 @@ public:
   [[nodiscard]] QV_BASE_API static const qvString::IString& localhostName();
 
 private:
+  friend class ClientSocket;
   void parse(const qvString::IString& text, int port);
+  addrinfo* findAddresses(bool passive, std::string* error) const;
 
   mutable bool numbersAndDotsCached_ = false;
   mutable bool nameCached_ = false;

@@ -1,0 +1,284 @@
+#include "Base/Platform/qvPlatformSocket.h"
+
+#include "Base/Platform/qvPlatformError.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <memory>
+#include <new>
+#include <vector>
+
+namespace qvPlatform {
+namespace {
+
+int descriptorOf(SocketHandle socket) noexcept {
+  return socket < 0 || socket > INT_MAX ? -1 : static_cast<int>(socket);
+}
+
+bool canOpen(int family) noexcept {
+  int socket = -1;
+  if (retryCall("socket", [&] { return ::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0); }, socket)) return false;
+  ::close(socket);
+  return true;
+}
+
+// What a look-up's result means, and its text.
+std::string lookupText(int result, int systemNumber) {
+  return result == EAI_SYSTEM ? systemErrorText(systemNumber) : gai_strerror(result);
+}
+
+// `errorText` receives the text of a failure.
+int findAddresses(const char* host, const char* service, const addrinfo& hints, addrinfo** list,
+                  std::string* errorText) {
+  int result = EAI_SYSTEM;
+  int number = beforeCall("getaddrinfo");
+  if (!number) {
+    result = ::getaddrinfo(host, service, &hints, list);
+    number = errno;
+  }
+  if (result && errorText) *errorText = lookupText(result, number);
+  return result;
+}
+
+// A connect that a signal interrupted goes on by itself; its outcome is told when the socket becomes writable.
+int finishConnect(int socket) noexcept {
+  pollfd entry{socket, POLLOUT, 0};
+  while (::poll(&entry, 1, -1) < 0)
+    if (errno != EINTR) return errno;
+  int outcome = 0;
+  socklen_t size = sizeof outcome;
+  return ::getsockopt(socket, SOL_SOCKET, SO_ERROR, &outcome, &size) ? errno : outcome;
+}
+
+template <class T>
+int setOption(SocketHandle socket, int level, int option, const T& value) noexcept {
+  return retryCall("setsockopt",
+                   [&] { return ::setsockopt(descriptorOf(socket), level, option, &value, sizeof value); });
+}
+
+// Milliseconds until `end`, rounded up so that a wait never ends before its time; at most what `poll` takes.
+int millisecondsUntil(std::chrono::steady_clock::time_point end) noexcept {
+  using std::chrono::ceil, std::chrono::milliseconds;
+  const auto left = ceil<milliseconds>(end - std::chrono::steady_clock::now()).count();
+  return static_cast<int>(std::clamp<long long>(left, 0, INT_MAX));
+}
+
+int pollUntil(pollfd* entries, std::size_t count, std::int64_t microseconds, int* ready) noexcept {
+  using std::chrono::steady_clock;
+  // A limit beyond what the clock can add is as good as none.
+  const bool limited = microseconds >= 0 && microseconds < INT64_MAX / 4000;
+  const auto end = steady_clock::now() + std::chrono::microseconds(limited ? microseconds : 0);
+  for (;;) {
+    const int limit = limited ? millisecondsUntil(end) : -1;
+    int error = beforeCall("poll");
+    if (!error) {
+      *ready = ::poll(entries, count, limit);
+      if (*ready > 0) return 0;
+      if (*ready == 0 && (!limited || steady_clock::now() >= end)) return 0;
+      error = *ready < 0 ? errno : 0;
+    }
+    if (error && error != EINTR) return error;
+  }
+}
+
+} // namespace
+
+unsigned availableFamilies() noexcept {
+  return (canOpen(AF_INET) ? familyIPv4 : 0) | (canOpen(AF_INET6) ? familyIPv6 : 0);
+}
+
+bool isUnreachable(int number) noexcept { return number == ENETUNREACH || number == ECONNREFUSED; }
+
+bool isDottedNumber(const char* text) noexcept { return ::inet_addr(text) != INADDR_NONE; }
+
+Lookup lookUpHost(const char* host, HostForm form, std::string* text) {
+  addrinfo hints{};
+  hints.ai_family = AF_INET;
+  hints.ai_socktype = SOCK_STREAM;
+  addrinfo* list = nullptr;
+  int result = findAddresses(host, nullptr, hints, &list, text);
+  const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(list, freeAddressList);
+  const int flags = form == HostForm::name ? NI_NAMEREQD : NI_NUMERICHOST;
+  for (const addrinfo* entry = list; entry; entry = entry->ai_next) {
+    char buffer[NI_MAXHOST];
+    result = ::getnameinfo(entry->ai_addr, entry->ai_addrlen, buffer, sizeof buffer, nullptr, 0, flags);
+    *text = result ? lookupText(result, errno) : buffer;
+    if (!result && buffer[0]) return Lookup::found;
+  }
+  return result == EAI_NONAME ? Lookup::unknownHost : Lookup::failed;
+}
+
+addrinfo* addressList(const char* host, int port, bool passive, std::string* error) {
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = passive ? AI_PASSIVE : 0;
+  addrinfo* list = nullptr;
+  const std::string service = std::to_string(port);
+  return findAddresses(host, service.c_str(), hints, &list, error) ? nullptr : list;
+}
+
+void freeAddressList(addrinfo* list) noexcept {
+  if (list) ::freeaddrinfo(list);
+}
+
+const addrinfo* nextAddress(const addrinfo* entry) noexcept { return entry->ai_next; }
+
+int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
+  const auto open = [&] {
+    return ::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC, entry->ai_protocol);
+  };
+  return retryCall("socket", open, *socket);
+}
+
+int connectSocket(SocketHandle socket, const addrinfo* entry) noexcept {
+  if (const int error = beforeCall("connect")) return error;
+  const int descriptor = descriptorOf(socket);
+  if (!::connect(descriptor, entry->ai_addr, entry->ai_addrlen)) return 0;
+  return errno == EINTR ? finishConnect(descriptor) : errno;
+}
+
+int closeSocket(SocketHandle socket) noexcept { return closeDescriptor(descriptorOf(socket)); }
+
+int shutdownSocket(SocketHandle socket, SocketSide side) noexcept {
+  const int how = side == SocketSide::receive ? SHUT_RD : side == SocketSide::send ? SHUT_WR : SHUT_RDWR;
+  return retryCall("shutdown", [&] { return ::shutdown(descriptorOf(socket), how); });
+}
+
+int setLinger(SocketHandle socket, int seconds) noexcept {
+  linger value{};
+  value.l_onoff = 1;
+  value.l_linger = seconds;
+  return setOption(socket, SOL_SOCKET, SO_LINGER, value);
+}
+
+int setNoDelay(SocketHandle socket, bool on) noexcept {
+  return setOption(socket, IPPROTO_TCP, TCP_NODELAY, static_cast<int>(on));
+}
+
+int receiveSome(SocketHandle socket, void* buffer, std::size_t size, std::size_t* count) noexcept {
+  ssize_t received = 0;
+  const int error =
+      retryCall("recv", [&] { return ::recv(descriptorOf(socket), buffer, size, 0); }, received);
+  *count = error ? 0 : static_cast<std::size_t>(received);
+  return error;
+}
+
+int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::size_t* count) noexcept {
+  ssize_t sent = 0;
+  const int error =
+      retryCall("send", [&] { return ::send(descriptorOf(socket), buffer, size, MSG_NOSIGNAL); }, sent);
+  *count = error ? 0 : static_cast<std::size_t>(sent);
+  return error;
+}
+
+int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
+                 std::size_t* readyCount) noexcept try {
+  if (readyCount) *readyCount = 0;
+  if (count == 0 && microseconds < 0) return EINVAL;
+  std::vector<pollfd> entries(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    entries[i] = {descriptorOf(sockets[i].socket), POLLIN, 0};
+    sockets[i].ready = false;
+    if (entries[i].fd < 0) return EBADF;
+  }
+  int ready = 0;
+  if (const int error = pollUntil(entries.data(), count, microseconds, &ready)) return error;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (entries[i].revents & POLLNVAL) return EBADF;
+    sockets[i].ready = entries[i].revents != 0;
+  }
+  if (readyCount) *readyCount = static_cast<std::size_t>(ready);
+  return 0;
+} catch (const std::bad_alloc&) {
+  return ENOMEM;
+}
+
+int socketEndpoint(SocketHandle socket, SocketEnd end, std::string* host, int* port) {
+  const int descriptor = descriptorOf(socket);
+  sockaddr_storage storage{};
+  socklen_t size = sizeof storage;
+  auto* address = reinterpret_cast<sockaddr*>(&storage);
+  const bool local = end == SocketEnd::local;
+  const int error = retryCall(local ? "getsockname" : "getpeername", [&] {
+    return local ? ::getsockname(descriptor, address, &size) : ::getpeername(descriptor, address, &size);
+  });
+  if (error) return error;
+  char hostText[NI_MAXHOST], portText[NI_MAXSERV];
+  if (::getnameinfo(address, size, hostText, sizeof hostText, portText, sizeof portText,
+                    NI_NUMERICHOST | NI_NUMERICSERV))
+    return EAFNOSUPPORT;
+  *host = hostText;
+  *port = std::atoi(portText);
+  return 0;
+}
+
+int duplicateSocket(SocketHandle socket, int* descriptor) noexcept {
+  return retryCall(
+      "dup", [&] { return ::fcntl(descriptorOf(socket), F_DUPFD_CLOEXEC, 3); }, *descriptor);
+}
+
+namespace {
+
+// The four operations of a C stream over a socket. The descriptor travels as the cookie itself.
+int fromCookie(void* cookie) noexcept { return static_cast<int>(reinterpret_cast<std::intptr_t>(cookie)); }
+
+ssize_t readCookie(void* cookie, char* buffer, std::size_t size) noexcept {
+  std::size_t count = 0;
+  const int error = receiveSome(fromCookie(cookie), buffer, size, &count);
+  errno = error ? error : errno;
+  return error ? -1 : static_cast<ssize_t>(count);
+}
+
+// The stream takes a count below `size` for a failure, and a negative one for a fault of the cookie: 0 is right.
+ssize_t writeCookie(void* cookie, const char* buffer, std::size_t size) noexcept {
+  std::size_t done = 0;
+  while (done < size) {
+    std::size_t count = 0;
+    if (const int error = sendSome(fromCookie(cookie), buffer + done, size - done, &count)) {
+      errno = error;
+      break;
+    }
+    done += count;
+  }
+  return static_cast<ssize_t>(done);
+}
+
+int seekCookie(void*, off64_t*, int) noexcept {
+  errno = ESPIPE; // what a socket answers; the stream then turns between reading and writing without a seek
+  return -1;
+}
+
+int closeCookie(void* cookie) noexcept {
+  const int error = closeDescriptor(fromCookie(cookie));
+  errno = error ? error : errno;
+  return error ? -1 : 0;
+}
+
+} // namespace
+
+int openSocketStream(int descriptor, std::FILE** stream) noexcept {
+  if (const int error = beforeCall("fdopen")) return error;
+  void* cookie = reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor));
+  *stream = ::fopencookie(cookie, "r+b", {readCookie, writeCookie, seekCookie, closeCookie});
+  return *stream ? 0 : errno;
+}
+
+int closeDescriptor(int descriptor) noexcept {
+  // The system lets go of the descriptor whatever it answers, so an interrupted close is done and never repeated.
+  const int scripted = beforeCall("close");
+  const int error = ::close(descriptor) < 0 && errno != EINTR ? errno : 0;
+  return scripted ? scripted : error;
+}
+
+} // namespace qvPlatform
