@@ -1,5 +1,5 @@
-// Stream sockets and host names. Operations return the system's number, 0 for success; names in brackets are what
-// each announces to `beforeCall`. What a signal interrupts goes on.
+// Stream sockets and host names. Operations return the system's number, 0 for success; names in brackets are
+// what each announces to `beforeCall`. What a signal interrupts goes on.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,8 @@ namespace qvPlatform {
 using SocketHandle = std::intptr_t;
 inline constexpr SocketHandle noSocket = -1;
 
-/// The families that a stream socket can be opened for: bit 1 IPv4, bit 2 IPv6 [socket]. A system that wants to be
-/// started for sockets is started here, and tells on the standard output why it could not be.
+/// The families that a stream socket can be opened for: bit 1 IPv4, bit 2 IPv6 [socket]. A system that wants
+/// to be started for sockets is started here, and tells on the standard output why it could not be.
 inline constexpr unsigned familyIPv4 = 1;
 inline constexpr unsigned familyIPv6 = 2;
 [[nodiscard]] unsigned availableFamilies() noexcept;
@@ -24,7 +24,8 @@ inline constexpr unsigned familyIPv6 = 2;
 /// Whether `number` tells that a connection was refused or its network cannot be reached.
 [[nodiscard]] bool isUnreachable(int number) noexcept;
 
-// ---- Hosts ---------------------------------------------------------------------------------------------------
+// ---- Hosts
+// ---------------------------------------------------------------------------------------------------
 
 /// Whether `text` is an IPv4 number as `inet_addr` reads it: one to four parts, each in any C base.
 [[nodiscard]] bool isDottedNumber(const char* text) noexcept;
@@ -32,17 +33,19 @@ inline constexpr unsigned familyIPv6 = 2;
 enum class Lookup { found, unknownHost, failed };
 enum class HostForm { name, number };
 
-/// The name or the number, as `form` says, of an IPv4 host [getaddrinfo]. `text` receives it, or what went wrong.
+/// The name or the number, as `form` says, of an IPv4 host [getaddrinfo]. `text` receives it, or what went
+/// wrong.
 [[nodiscard]] Lookup lookUpHost(const char* host, HostForm form, std::string* text);
 
-/// The stream addresses of both families for a host (null for this machine) and a port; `passive` for listening
-/// [getaddrinfo].
+/// The stream addresses of both families for a host (null for this machine) and a port; `passive` for
+/// listening [getaddrinfo].
 /// @return a list for `freeAddressList`, or null, and then `error` (may be null) says why.
 [[nodiscard]] addrinfo* addressList(const char* host, int port, bool passive, std::string* error);
 void freeAddressList(addrinfo* list) noexcept;
 [[nodiscard]] const addrinfo* nextAddress(const addrinfo* entry) noexcept;
 
-// ---- Sockets -------------------------------------------------------------------------------------------------
+// ---- Sockets
+// -------------------------------------------------------------------------------------------------
 
 /// Opens a socket of the entry's family, type and protocol [socket].
 [[nodiscard]] int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept;
@@ -61,9 +64,11 @@ int shutdownSocket(SocketHandle socket, SocketSide side) noexcept;
 [[nodiscard]] int setNoDelay(SocketHandle socket, bool on) noexcept;
 
 /// Receives some of `size` bytes, at least 1 unless the peer has closed [recv]. `*count` is 0 on a failure.
-[[nodiscard]] int receiveSome(SocketHandle socket, void* buffer, std::size_t size, std::size_t* count) noexcept;
+[[nodiscard]] int receiveSome(SocketHandle socket, void* buffer, std::size_t size,
+                              std::size_t* count) noexcept;
 /// Sends some of `size` bytes, without a signal where the peer has closed [send]. `*count` is 0 on a failure.
-[[nodiscard]] int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::size_t* count) noexcept;
+[[nodiscard]] int sendSome(SocketHandle socket, const void* buffer, std::size_t size,
+                           std::size_t* count) noexcept;
 
 /// One socket of a wait, and what came of it.
 struct SocketWait {
@@ -71,9 +76,9 @@ struct SocketWait {
   bool ready;
 };
 
-/// Waits until one of the sockets can be read, accepted from or is broken, at most `microseconds`; negative means
-/// no limit [poll]. `*readyCount` (may be null) is 0 after the limit. An invalid handle is an error, and so is
-/// an empty set without a limit.
+/// Waits until one of the sockets can be read, accepted from or is broken, at most `microseconds`; negative
+/// means no limit [poll]. `*readyCount` (may be null) is 0 after the limit. An invalid handle is an error,
+/// and so is an empty set without a limit.
 [[nodiscard]] int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
                                std::size_t* readyCount) noexcept;
 
@@ -83,8 +88,8 @@ enum class SocketEnd { local, remote };
 
 /// Another descriptor of the same connection, owned by the caller [dup].
 [[nodiscard]] int duplicateSocket(SocketHandle socket, int* descriptor) noexcept;
-/// A C stream, open for reading and writing, that owns `descriptor` and whose writes raise no signal [fdopen]. On a
-/// failure the descriptor stays the caller's.
+/// A C stream, open for reading and writing, that owns `descriptor` and whose writes raise no signal
+/// [fdopen]. On a failure the descriptor stays the caller's.
 [[nodiscard]] int openSocketStream(int descriptor, std::FILE** stream) noexcept;
 /// Closes a descriptor of `duplicateSocket` that no stream owns [close].
 int closeDescriptor(int descriptor) noexcept;

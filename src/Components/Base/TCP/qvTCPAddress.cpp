@@ -36,8 +36,10 @@ Address::Address(const IString& text, int port) { parse(text, port); }
 Address::Address(const IString& text) {
   if (text.isEmpty()) throw Error(2, "qvTCP::Address: empty address or incorectly formed address");
   const unsigned int colon = onlyColon(text);
-  if (colon == IString::npos) parse(text, -1);
-  else parse(text.substr(0, colon), std::atoi(text.substr(colon + 1).asUTF8()));
+  if (colon == IString::npos)
+    parse(text, -1);
+  else
+    parse(text.substr(0, colon), std::atoi(text.substr(colon + 1).asUTF8()));
 }
 
 void Address::parse(const IString& text, int port) {
@@ -86,12 +88,18 @@ qv::pair<IString, Error> Address::getName() const {
   return {name_, Error()};
 }
 
-addrinfo* Address::getAddrInfo(bool passive) const { return findAddresses(passive, nullptr); }
+addrinfo* Address::getAddrInfo(bool passive) const {
+  Error error;
+  return findAddresses(passive, error);
+}
 
-addrinfo* Address::findAddresses(bool passive, std::string* error) const {
+addrinfo* Address::findAddresses(bool passive, Error& error) const {
   const IString host = numbersAndDotsCached_ ? numbersAndDots_ : name_;
   const int port = hasAssignedPort() ? port_ : 0;
-  return qvPlatform::addressList(host.isEmpty() ? nullptr : host.asUTF8(), port, passive, error);
+  std::string text;
+  addrinfo* list = qvPlatform::addressList(host.isEmpty() ? nullptr : host.asUTF8(), port, passive, &text);
+  if (!list) error = Error(2, "getaddrinfo failed: %s", text.c_str());
+  return list;
 }
 
 const IString& Address::localhostName() {

@@ -8,7 +8,6 @@
 #include "Base/qvBase.h"
 
 #include <cstdint>
-#include <string>
 
 struct addrinfo;
 
@@ -46,7 +45,7 @@ public:
   QV_BASE_API bool operator==(const Address& other) const;
 
   /// Looks up the name of a known dotted number, else the number of the name. IPv4 only; may take seconds.
-  /// On success both texts are stored.
+  /// On success both texts are stored; the two questions above are answered as before.
   /// @return no error; code 3 where the host is unknown; code 1 for anything else.
   QV_BASE_API qvUtil::Error resolve() const;
 
@@ -66,7 +65,7 @@ public:
 private:
   friend class ClientSocket;
   void parse(const qvString::IString& text, int port);
-  addrinfo* findAddresses(bool passive, std::string* error) const;
+  addrinfo* findAddresses(bool passive, qvUtil::Error& error) const;
 
   mutable bool numbersAndDotsCached_ = false;
   mutable bool nameCached_ = false;

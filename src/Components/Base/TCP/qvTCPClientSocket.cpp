@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace qvTCP {
@@ -36,15 +35,18 @@ public:
   int lastNumber = 0;
 
   void tryEntries(const addrinfo* entry) {
-    for (; entry && connected == qvPlatform::noSocket; entry = qvPlatform::nextAddress(entry)) tryEntry(entry);
+    for (; entry && connected == qvPlatform::noSocket; entry = qvPlatform::nextAddress(entry))
+      tryEntry(entry);
   }
 
 private:
   void tryEntry(const addrinfo* entry) {
     SocketHandle socket = qvPlatform::noSocket;
     if ((lastNumber = qvPlatform::openSocket(entry, &socket))) return;
-    if (prepareAndConnect(socket, entry)) connected = socket;
-    else qvPlatform::closeSocket(socket);
+    if (prepareAndConnect(socket, entry))
+      connected = socket;
+    else
+      qvPlatform::closeSocket(socket);
   }
 
   bool prepareAndConnect(SocketHandle socket, const addrinfo* entry) {
@@ -74,9 +76,9 @@ Error ClientSocket::connect() {
   if (candidates.empty()) return Error(2, "connect() failed: No useable protocol families found.");
   Attempt attempt;
   for (const Address& candidate : candidates) {
-    std::string text;
-    const AddressList list(candidate.findAddresses(false, &text), qvPlatform::freeAddressList);
-    if (!list && &candidate == &candidates.back()) return Error(2, "getaddrinfo failed: %s", text.c_str());
+    Error unknown;
+    const AddressList list(candidate.findAddresses(false, unknown), qvPlatform::freeAddressList);
+    if (!list && &candidate == &candidates.back()) return unknown;
     attempt.tryEntries(list.get());
     if (attempt.connected == qvPlatform::noSocket) continue;
     impl.handle = attempt.connected;

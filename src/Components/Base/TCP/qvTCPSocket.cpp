@@ -65,7 +65,8 @@ Error closeWholly(SocketImpl& impl) {
   impl.stream = nullptr;
   impl.descriptor = -1; // the stream closed it
   const int number = qvPlatform::closeSocket(impl.handle);
-  if (number && !error) error = hadStream ? Error(1, "_close() of C file descriptor failed") : systemError(1, number);
+  if (number && !error)
+    error = hadStream ? Error(1, "_close() of C file descriptor failed") : systemError(1, number);
   impl.handle = qvPlatform::noSocket;
   impl.closedSides = 3;
   return error;
@@ -86,8 +87,8 @@ Error Socket::read(void* buffer, std::uint64_t count, std::uint64_t* got) {
   do {
     const auto piece = static_cast<std::size_t>(std::min(count - done, largestPiece));
     std::size_t received = 0;
-    error = systemError(1, qvPlatform::receiveSome(impl_->handle, static_cast<std::byte*>(buffer) + done, piece,
-                                                   &received));
+    error = systemError(
+        1, qvPlatform::receiveSome(impl_->handle, static_cast<std::byte*>(buffer) + done, piece, &received));
     if (!error && received == 0) error = Error(4, "connection closed");
     done += received;
   } while (!error && done < count);
@@ -101,10 +102,9 @@ Error Socket::write(const void* buffer, std::uint64_t count, std::uint64_t* put)
   do {
     const auto piece = static_cast<std::size_t>(std::min(count - done, largestPiece));
     std::size_t sent = 0;
-    error = systemError(1,
-                        qvPlatform::sendSome(impl_->handle, static_cast<const std::byte*>(buffer) + done, piece,
-                                             &sent),
-                        "send() failed: %s");
+    error = systemError(
+        1, qvPlatform::sendSome(impl_->handle, static_cast<const std::byte*>(buffer) + done, piece, &sent),
+        "send() failed: %s");
     done += sent;
   } while (!error && done < count);
   if (put) *put = done;

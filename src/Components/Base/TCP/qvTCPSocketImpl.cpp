@@ -9,7 +9,8 @@ namespace qvTCP {
 bool socketsStarted = false;
 unsigned protocolFamilies = 0;
 
-// Only the presence of a variable counts. IPv6 alone wins over IPv4 alone, and neither takes away the last family.
+// Only the presence of a variable counts. IPv6 alone wins over IPv4 alone, and neither takes away the last
+// family.
 void startSockets() {
   if (socketsStarted) return;
   socketsStarted = true;

@@ -1,5 +1,5 @@
-// The hidden state of a socket, shared by connecting, listening and waiting, and the families that the process
-// uses. Not installed.
+// The hidden state of a socket, shared by connecting, listening and waiting, and the families that the
+// process uses. Not installed.
 #pragma once
 
 #include "Base/Platform/qvPlatformSocket.h"
@@ -34,7 +34,8 @@ public:
 /// How long a close waits for data that is not yet sent.
 inline constexpr int lingerSeconds = 2;
 
-/// Looks for the families once, with what the environment says about them. The first call must not race another.
+/// Looks for the families once, with what the environment says about them. The first call must not race
+/// another.
 void startSockets();
 extern bool socketsStarted;
 extern unsigned protocolFamilies;

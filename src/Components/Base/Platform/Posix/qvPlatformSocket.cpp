@@ -27,7 +27,9 @@ int descriptorOf(SocketHandle socket) noexcept {
 
 bool canOpen(int family) noexcept {
   int socket = -1;
-  if (retryCall("socket", [&] { return ::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0); }, socket)) return false;
+  if (retryCall(
+          "socket", [&] { return ::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0); }, socket))
+    return false;
   ::close(socket);
   return true;
 }
@@ -50,7 +52,8 @@ int findAddresses(const char* host, const char* service, const addrinfo& hints, 
   return result;
 }
 
-// A connect that a signal interrupted goes on by itself; its outcome is told when the socket becomes writable.
+// A connect that a signal interrupted goes on by itself; its outcome is told when the socket becomes
+// writable.
 int finishConnect(int socket) noexcept {
   pollfd entry{socket, POLLOUT, 0};
   while (::poll(&entry, 1, -1) < 0)
@@ -168,16 +171,16 @@ int setNoDelay(SocketHandle socket, bool on) noexcept {
 
 int receiveSome(SocketHandle socket, void* buffer, std::size_t size, std::size_t* count) noexcept {
   ssize_t received = 0;
-  const int error =
-      retryCall("recv", [&] { return ::recv(descriptorOf(socket), buffer, size, 0); }, received);
+  const int error = retryCall(
+      "recv", [&] { return ::recv(descriptorOf(socket), buffer, size, 0); }, received);
   *count = error ? 0 : static_cast<std::size_t>(received);
   return error;
 }
 
 int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::size_t* count) noexcept {
   ssize_t sent = 0;
-  const int error =
-      retryCall("send", [&] { return ::send(descriptorOf(socket), buffer, size, MSG_NOSIGNAL); }, sent);
+  const int error = retryCall(
+      "send", [&] { return ::send(descriptorOf(socket), buffer, size, MSG_NOSIGNAL); }, sent);
   *count = error ? 0 : static_cast<std::size_t>(sent);
   return error;
 }
@@ -240,7 +243,8 @@ ssize_t readCookie(void* cookie, char* buffer, std::size_t size) noexcept {
   return error ? -1 : static_cast<ssize_t>(count);
 }
 
-// The stream takes a count below `size` for a failure, and a negative one for a fault of the cookie: 0 is right.
+// The stream takes a count below `size` for a failure, and a negative one for a fault of the cookie: 0 is
+// right.
 ssize_t writeCookie(void* cookie, const char* buffer, std::size_t size) noexcept {
   std::size_t done = 0;
   while (done < size) {
@@ -275,7 +279,8 @@ int openSocketStream(int descriptor, std::FILE** stream) noexcept {
 }
 
 int closeDescriptor(int descriptor) noexcept {
-  // The system lets go of the descriptor whatever it answers, so an interrupted close is done and never repeated.
+  // The system lets go of the descriptor whatever it answers, so an interrupted close is done and never
+  // repeated.
   const int scripted = beforeCall("close");
   const int error = ::close(descriptor) < 0 && errno != EINTR ? errno : 0;
   return scripted ? scripted : error;
