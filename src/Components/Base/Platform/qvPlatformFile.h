@@ -128,15 +128,16 @@ enum AccessRight : int { accessExists = 0, accessExecute = 1, accessWrite = 2, a
 /// system has no such form of renaming [link] [unlink], or the name is first reserved [open] [mkdir].
 [[nodiscard]] int renameFile(const char* from, const char* to) noexcept;
 /// Copies a file's bytes, permission bits and modification time, sharing blocks where the file system can
-/// [open] [stat] [clone] [read] [write] [truncate] [attributes] [close]. Without `overwrite` an existing
-/// target, a dangling link too, gives `exists` and is never opened; with it the target keeps its identity. A
-/// target that the copy made and could not finish is deleted again; one that was there before is left
-/// untouched where the space does not suffice, but is spoilt where the device fails on the way.
+/// [open] [stat] [clone] [reserve] [copy] [read] [write] [seek] [truncate] [attributes] [close] [unlink].
+/// Without `overwrite` an existing target, a dangling link too, gives `exists` and is never opened; with it
+/// the target keeps its identity. A target that the copy made and could not finish is deleted again; one that
+/// was there before is left untouched where the space does not suffice, but is spoilt where the device fails
+/// on the way.
 [[nodiscard]] int copyFile(const char* from, const char* to, bool overwrite) noexcept;
 /// Sets the nine permission bits of what `path` leads to [attributes].
 [[nodiscard]] int setPermissions(const char* path, unsigned permissions) noexcept;
 /// Gives `to` the permission bits of `from`, and its owner and group as far as the system allows [stat]
-/// [attributes]. Where the group cannot be given, the group's bits are not given either.
+/// [attributes].
 [[nodiscard]] int copyAttributes(const char* from, const char* to) noexcept;
 /// Sets the modification time, seconds since 1970 UTC [attributes].
 [[nodiscard]] int setModified(const char* path, std::int64_t seconds, std::int32_t nanoseconds) noexcept;
@@ -157,7 +158,7 @@ public:
   Directory(const Directory&) = delete;
   Directory& operator=(const Directory&) = delete;
 
-  /// Starts from the first entry; closes what was open [opendir].
+  /// Starts from the first entry; closes what was open [opendir] [open].
   [[nodiscard]] int open(const char* path) noexcept;
   void close() noexcept;
   /// Goes to the next entry [readdir]. `*name` is null after the last one, else valid until the next call.

@@ -1,0 +1,135 @@
+// Open files: bytes in and out.
+#include "Base/Platform/Posix/qvPlatformDescriptor.h"
+#include "Base/Platform/qvPlatformError.h"
+#include "Base/Platform/qvPlatformFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace qvPlatform {
+
+namespace {
+
+/// The system moves at most 2 GiB less a page in one call.
+constexpr std::size_t largestTransfer = std::size_t(1) << 30;
+
+constexpr mode_t newFilePermissions = 0666;
+
+int systemFlags(unsigned flags) {
+  int result = O_CLOEXEC | O_NOCTTY;
+  result |= !(flags & openWrite) ? O_RDONLY : flags & openRead ? O_RDWR : O_WRONLY;
+  if (flags & openAppend) result |= O_APPEND;
+  if (flags & openCreate) result |= O_CREAT;
+  if (flags & openExclusive) result |= O_EXCL;
+  if (flags & openTruncate) result |= O_TRUNC;
+  return result;
+}
+
+bool isDirectory(int descriptor) {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Moves the bytes in as many calls as it takes. `transfer` gets what is done so far and how much to ask for.
+template <class Transfer>
+int transferAll(const char* name, std::size_t size, std::size_t* count, Transfer transfer) {
+  std::size_t done = 0;
+  int error = 0;
+  while (done < size) {
+    ssize_t moved = 0;
+    error = retryCall(
+        name, [&] { return transfer(done, std::min(size - done, largestTransfer)); }, moved);
+    if (error || moved == 0) break;
+    done += static_cast<std::size_t>(moved);
+  }
+  if (count) *count = done;
+  return error;
+}
+
+int systemOrigin(SeekFrom from) {
+  return from == SeekFrom::start ? SEEK_SET : from == SeekFrom::current ? SEEK_CUR : SEEK_END;
+}
+
+} // namespace
+
+int openDescriptor(const char* path, int flags, unsigned permissions, int* descriptor) noexcept {
+  int opened = -1;
+  if (const int error = retryCall(
+          "open", [&] { return ::open(path, flags | O_CLOEXEC, static_cast<mode_t>(permissions)); }, opened))
+    return error;
+  if (opened <= STDERR_FILENO) {
+    const int moved = ::fcntl(opened, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    ::close(opened);
+    if (moved < 0) return error;
+    opened = moved;
+  }
+  *descriptor = opened;
+  return 0;
+}
+
+int openFile(const char* path, unsigned flags, FileHandle* file) noexcept {
+  int descriptor = -1;
+  if (const int error = openDescriptor(path, systemFlags(flags), newFilePermissions, &descriptor))
+    return error;
+  if (isDirectory(descriptor)) {
+    ::close(descriptor);
+    return EISDIR;
+  }
+  *file = descriptor;
+  return 0;
+}
+
+int closeFile(FileHandle file) noexcept {
+  const int refused = beforeCall("close");
+  const int error = ::close(descriptorOf(file)) < 0 ? errno : 0;
+  if (refused) return refused;
+  // An interrupted close has closed nonetheless; a second one could hit a descriptor that another thread
+  // opened.
+  return error == EINTR ? 0 : error;
+}
+
+int readFile(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept {
+  return transferAll("read", size, count, [&](std::size_t done, std::size_t wanted) {
+    return ::read(descriptorOf(file), static_cast<char*>(buffer) + done, wanted);
+  });
+}
+
+int writeFile(FileHandle file, const void* buffer, std::size_t size, std::size_t* count) noexcept {
+  std::size_t written = 0;
+  const int error = transferAll("write", size, &written, [&](std::size_t done, std::size_t wanted) {
+    return ::write(descriptorOf(file), static_cast<const char*>(buffer) + done, wanted);
+  });
+  if (count) *count = written;
+  return !error && written < size ? EIO : error;
+}
+
+int seekFile(FileHandle file, std::int64_t offset, SeekFrom from, std::int64_t* position) noexcept {
+  off_t result = 0;
+  const int error = retryCall(
+      "seek", [&] { return ::lseek(descriptorOf(file), offset, systemOrigin(from)); }, result);
+  if (!error && position) *position = result;
+  return error;
+}
+
+int truncateFile(FileHandle file, std::int64_t size) noexcept {
+  return retryCall("truncate", [&] { return ::ftruncate(descriptorOf(file), size); });
+}
+
+int syncFile(FileHandle file) noexcept {
+  const int error = retryCall("sync", [&] { return ::fsync(descriptorOf(file)); });
+  return error == EINVAL || error == ENOTSUP ? 0 : error; // Not a file that could be lost, as a pipe.
+}
+
+int syncDirectory(const char* path) noexcept {
+  int descriptor = -1;
+  if (const int error = openDescriptor(path, O_RDONLY | O_DIRECTORY, 0, &descriptor)) return error;
+  const int error = syncFile(descriptor);
+  ::close(descriptor);
+  return error;
+}
+
+} // namespace qvPlatform
