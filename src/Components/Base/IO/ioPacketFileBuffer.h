@@ -22,8 +22,8 @@ public:
   ioPacketFileBuffer& operator=(const ioPacketFileBuffer&) = delete;
   virtual ~ioPacketFileBuffer();
 
-  /// Starts the packet's bytes anew, with its head.
-  virtual void startPacket(ioWriteContext& context, bool hasReference, const ioPacketType& type) = 0;
+  /// Starts the packet's bytes anew, with its head. A packet without a type is not valid.
+  virtual void startPacket(ioWriteContext& context, bool hasReference, const ioPacketType* type) = 0;
   /// Completes the packet and, if it is valid, gives all of it to `stream`.
   virtual void endPacket(ioWriteContext& context, ioBufferedStreamOutput& stream) = 0;
   virtual void startChunk(ioWriteContext& context) = 0;

@@ -52,6 +52,7 @@ public:
 private:
   struct Tables;
   void add(ioPacketType* type, bool assign);
+  void replace(ioPacketType* old, ioPacketType* type);
 
   std::unique_ptr<Tables> tables_;
   bool initialised_ = false;

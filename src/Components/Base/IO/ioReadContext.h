@@ -21,6 +21,8 @@ class ioClientReadContext;
 /// interface.
 class QV_BASE_API ioReadContext : public ioContext {
 public:
+  ~ioReadContext() override;
+
   /// Whether the last `nextChunk` found a chunk with content. Reading values does not change it.
   [[nodiscard]] virtual bool moreInChunk() const = 0;
 
@@ -111,14 +113,12 @@ public:
 
 protected:
   /// `stream` stays the caller's and must outlive the context.
-  ioReadContext(ioBufferedStreamInput& stream, ioReadMethod method) noexcept
-      : stream_(&stream), readMethod_(method) {}
-  ~ioReadContext() override;
+  ioReadContext(ioBufferedStreamInput& stream, ioReadMethod method) : stream_(&stream), readMethod_(method) {}
 
 private:
   void readPacket(ioClientReadContext& client);
   void readBody(ioClientReadContext& client, bool hasReference);
-  void demandDefinition() const;
+  [[noreturn]] void stopUndefined() const;
   void define(int reference, void* address, bool alias);
 
   ioBufferedStreamInput* stream_;

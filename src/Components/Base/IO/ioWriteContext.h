@@ -22,6 +22,8 @@ class ioBufferedStreamOutput;
 /// write nothing. Field and virtual order are part of the interface.
 class QV_BASE_API ioWriteContext : public ioContext {
 public:
+  ~ioWriteContext() override;
+
   /// Writes a reference number. With `define`, the current packet is the one that defines it.
   virtual void writeReference(int reference, bool define);
   /// Writes the number of `address`, a new one if it has none yet, and 0 for null. @return the number.
@@ -86,8 +88,7 @@ public:
 
 protected:
   /// `stream` stays the caller's and must outlive the context.
-  explicit ioWriteContext(ioBufferedStreamOutput& stream) noexcept : stream_(&stream) {}
-  ~ioWriteContext() override;
+  explicit ioWriteContext(ioBufferedStreamOutput& stream) : stream_(&stream) {}
 
   /// Sets `ioFailed`: a call came out of order, or a packet cannot be held.
   void misused() noexcept { setStatus(ioFailed); }

@@ -1,7 +1,0 @@
-#include "Base/Utility/qvImplBase.h"
-
-namespace qv {
-
-ImplBase::~ImplBase() = default;
-
-} // namespace qv

@@ -1,7 +1,0 @@
-#include "Base/Utility/qvReferenceCount.h"
-
-namespace qv {
-
-ReferenceCount::~ReferenceCount() = default;
-
-} // namespace qv
