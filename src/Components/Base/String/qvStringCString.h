@@ -1,6 +1,7 @@
 // CString: counted bytes for machines, such as keys, option names and narrow formats. It knows no encoding.
 #pragma once
 
+#include "Base/Containers/qvRelocatable.h"
 #include "Base/String/qvStringBase.h"
 
 #include <cstdarg>
@@ -154,6 +155,9 @@ inline void swap(CString& a, CString& b) noexcept { a.swap(b); }
 [[nodiscard]] QV_BASE_API unsigned int hashfunction(const CString& text);
 
 } // namespace qvString
+
+template <>
+inline constexpr bool qv::isRelocatable<qvString::CString> = true;
 
 /// A new string on the heap for callers that cannot hold the class; `CString_delete` destroys it.
 extern "C" QV_BASE_API qvString::CString* CString_create(const char* chars);

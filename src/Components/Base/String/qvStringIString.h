@@ -1,6 +1,7 @@
 // IString: wide text for anything that a person sees or that names a file, with a cached narrow form.
 #pragma once
 
+#include "Base/Containers/qvRelocatable.h"
 #include "Base/String/qvStringBase.h"
 #include "Base/String/qvStringConvert.h"
 
@@ -198,6 +199,9 @@ inline void swap(IString& a, IString& b) noexcept { a.swap(b); }
 [[nodiscard]] QV_BASE_API unsigned int hashfunction(const IString& text);
 
 } // namespace qvString
+
+template <>
+inline constexpr bool qv::isRelocatable<qvString::IString> = true;
 
 /// The `DefaultEncoding` form as an array of the library's `new char[]`, for callers that cannot hold the
 /// class. The caller releases it with `delete[]`.

@@ -1,6 +1,7 @@
 // ReferenceCount and Reference: shared ownership inside one thread.
 #pragma once
 
+#include "Base/Containers/qvRelocatable.h"
 #include "Base/qvBase.h"
 
 #include <cstddef>
@@ -94,5 +95,8 @@ template <class T>
 void swap(Reference<T>& a, Reference<T>& b) noexcept {
   a.swap(b);
 }
+
+template <class T>
+inline constexpr bool isRelocatable<Reference<T>> = true;
 
 } // namespace qv

@@ -1,6 +1,7 @@
 // Error: the value that nearly every fallible operation returns, or throws where it returns something else.
 #pragma once
 
+#include "Base/Containers/qvRelocatable.h"
 #include "Base/qvBase.h"
 
 #include <cstdarg>
@@ -71,8 +72,6 @@ private:
     if (msg_) destroy(msg_);
   }
   static void destroy(qvString::IString* message) noexcept;
-  template <class C>
-  void setFormatted(const C* format, va_list args);
 
   int num_;
   qvString::IString* msg_; // null if there is no message
@@ -83,3 +82,6 @@ static_assert(sizeof(Error) == 2 * sizeof(void*) + sizeof(void*));
 inline void swap(Error& a, Error& b) noexcept { a.swap(b); }
 
 } // namespace qvUtil
+
+template <>
+inline constexpr bool qv::isRelocatable<qvUtil::Error> = true;

@@ -1,0 +1,7 @@
+#include "Base/Utility/qvImplBase.h"
+
+namespace qv {
+
+ImplBase::~ImplBase() = default;
+
+} // namespace qv

@@ -1,0 +1,7 @@
+#include "Base/Utility/qvReferenceCount.h"
+
+namespace qv {
+
+ReferenceCount::~ReferenceCount() = default;
+
+} // namespace qv
