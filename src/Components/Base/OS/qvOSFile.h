@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Base/Containers/qvVector.h"
+#include "Base/OS/qvOSFileError.h"
 #include "Base/OS/qvOSFileTransport.h"
 #include "Base/OS/qvOSIOStream.h"
 #include "Base/String/qvStringIString.h"
@@ -13,7 +14,7 @@ namespace qvOS {
 class Filename;
 class FileStatus;
 
-/// A handle on one file or directory. All failures have the codes and texts of `getError`. A handle that is
+/// A handle on one file or directory. All failures have the codes and texts of `FileError`. A handle that is
 /// not valid answers every operation with code 1 "Not Implemented", and every question with false or empty.
 /// Not thread-safe: a file belongs to one thread at a time.
 class QV_BASE_API File : public IOStream {
@@ -31,18 +32,7 @@ public:
   qvUtil::Error read(void* buffer, std::uint64_t size, std::uint64_t* count) override;
   qvUtil::Error write(const void* buffer, std::uint64_t size, std::uint64_t* count) override;
 
-  /// A failure with `code` and its text, or with no text for a code outside the table:
-  ///
-  ///     0 ""                             10 "Resource is not a directory"
-  ///     1 "Not Implemented"              11 "Resource is not a file"
-  ///     2 "File Exists"                  12 "The path is too long"
-  ///     3 "End Of File"                  13 "The directory is not empty"
-  ///     4 "An I/O problem has occurred"  14 "ErrSyscall"
-  ///     5 "No write permission"          15 "The URL is invalid"
-  ///     6 "No read permission"           16 "Permission Denied"
-  ///     7 "No Overwrite permission"      17 "Authentication Failed"
-  ///     8 "File is not open"             18 "File does not exist"
-  ///     9 "File is open"                 19 "Cannot become the parent of a root directory"
+  /// A failure with `code` and its text from `FileError`; no text for a code that is not there.
   static qvUtil::Error getError(int code);
 
   /// False if no transport answers to the name.

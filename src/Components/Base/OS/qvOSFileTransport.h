@@ -12,7 +12,7 @@ namespace qvOS {
 class FileStatus;
 
 /// One name in some store of files, and the stream on it while it is open. Codes are those of
-/// `File::getError`. Nothing here checks whether the file is open or closed; `File` does.
+/// `FileError`. Nothing here checks whether the file is open or closed; `File` does.
 /// Not thread-safe: a transport belongs to one thread at a time.
 class QV_BASE_API FileTransport : public IOStream {
 public:
@@ -59,7 +59,8 @@ public:
   /// The result for a file is that of closing `dest`: a read or write that failed on the way, for want of
   /// space say, is not reported when the close succeeds. A caller who needs certainty compares the files, or
   /// uses `fileCopy`.
-  /// @return code 9 if either is open; 7 if both names are one file; 4 if `dest` cannot be opened.
+  /// @return code 9 if either is open; 7 if both names are one file, or if `dest` is inside this directory; 4
+  /// if `dest` cannot be opened.
   virtual qvUtil::Error copyTo(FileTransport& dest);
   /// `copyTo`, and `deleteSelf` if that gave no error; the warning there holds here too. A directory that is
   /// copied and not empty stays, with the error of its deletion.
@@ -69,17 +70,17 @@ public:
   virtual qvUtil::Error deleteSelf() = 0;
 
   /// True if the name is that of a directory, or of a link to one. A back end may remember the answer.
-  virtual bool isDirectory() = 0;
-  virtual bool isOpen() = 0;
+  virtual bool isDirectory() const = 0;
+  virtual bool isOpen() const = 0;
   /// The name in full, as this back end writes it.
-  virtual qvString::IString getFullName() = 0;
+  virtual qvString::IString getFullName() const = 0;
   /// The full name up to and including the last separator; empty where there is none.
-  virtual qvString::IString getNameTitle() = 0;
+  virtual qvString::IString getNameTitle() const = 0;
   /// What follows the last separator; empty where there is none.
-  virtual qvString::IString getNameBase() = 0;
-  virtual qv::WChar getSeparator() = 0;
+  virtual qvString::IString getNameBase() const = 0;
+  virtual qv::WChar getSeparator() const = 0;
   /// The name of the back end. Two transports of one back end have the same.
-  virtual qvString::IString transportId() = 0;
+  virtual qvString::IString transportId() const = 0;
 
   /// Fills in what is known of the file. A file that does not exist is no error and leaves `status` clear.
   virtual qvUtil::Error query(FileStatus& status) = 0;
@@ -101,7 +102,7 @@ protected:
 
 private:
   static qvUtil::Error getError(int code);
-  qvUtil::Error copyBytesTo(FileTransport& dest);
+  void copyBytesTo(FileTransport& dest);
 };
 
 } // namespace qvOS

@@ -42,7 +42,7 @@ public:
 private:
   enum class Block { own, lent, constant };
 
-  bool makeRoom(std::size_t end);
+  void growFor(std::uint64_t size);
 
   unsigned char* block_ = nullptr;
   std::size_t size_ = 0;

@@ -70,8 +70,8 @@ public:
 private:
   void checkTempDirectory();
   void chooseNames();
-  void setOldFileAside();
-  void moveIntoPlace();
+  bool setOldFileAside();
+  void moveIntoPlace(bool oldFileAside);
 
   Filename mainFilename_;
   Filename tempFilename_;

@@ -49,6 +49,8 @@ enum class SeekFrom { start, current, end };
 [[nodiscard]] int truncateFile(FileHandle file, std::int64_t size) noexcept;
 /// Returns when the file's bytes are on the device, or as far as the system can tell [sync].
 [[nodiscard]] int syncFile(FileHandle file) noexcept;
+/// The same for the file of that name [open] [sync] [close].
+[[nodiscard]] int syncFileAt(const char* path) noexcept;
 /// The same for the entries of a directory, so that a rename or a new name outlives a loss of power [sync].
 [[nodiscard]] int syncDirectory(const char* path) noexcept;
 
@@ -127,6 +129,9 @@ enum AccessRight : int { accessExists = 0, accessExecute = 1, accessWrite = 2, a
 /// gives `exists`. A link is renamed itself. The same path twice changes nothing [rename]; where the file
 /// system has no such form of renaming [link] [unlink], or the name is first reserved [open] [mkdir].
 [[nodiscard]] int renameFile(const char* from, const char* to) noexcept;
+/// Makes `to` a link that leads where the link `from` says. An existing target gives `exists` [readlink]
+/// [symlink].
+[[nodiscard]] int copyLink(const char* from, const char* to) noexcept;
 /// Copies a file's bytes, permission bits and modification time, sharing blocks where the file system can
 /// [open] [stat] [clone] [reserve] [copy] [read] [write] [seek] [truncate] [attributes] [close] [unlink].
 /// Without `overwrite` an existing target, a dangling link too, gives `exists` and is never opened; with it

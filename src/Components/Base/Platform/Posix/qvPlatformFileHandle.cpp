@@ -124,6 +124,14 @@ int syncFile(FileHandle file) noexcept {
   return error == EINVAL || error == ENOTSUP ? 0 : error; // Not a file that could be lost, as a pipe.
 }
 
+int syncFileAt(const char* path) noexcept {
+  FileHandle file = noFile;
+  if (const int error = openFile(path, openRead, &file)) return error;
+  const int error = syncFile(file);
+  const int closed = closeFile(file);
+  return error ? error : closed;
+}
+
 int syncDirectory(const char* path) noexcept {
   int descriptor = -1;
   if (const int error = openDescriptor(path, O_RDONLY | O_DIRECTORY, 0, &descriptor)) return error;

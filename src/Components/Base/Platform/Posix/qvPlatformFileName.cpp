@@ -4,6 +4,7 @@
 #include "Base/Platform/qvPlatformFile.h"
 
 #include <fcntl.h>
+#include <limits.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -57,6 +58,16 @@ int renameFile(const char* from, const char* to) noexcept {
   if (!isUnsupported(error)) return error;
   if (const int missing = queryLink(from, &info)) return missing;
   return info.kind == FileKind::directory ? renameByReserving(from, to, true) : renameByLinking(from, to);
+}
+
+int copyLink(const char* from, const char* to) noexcept {
+  char target[PATH_MAX + 1]; // The system makes no link longer than this.
+  ssize_t length = 0;
+  if (const int error = retryCall(
+          "readlink", [&] { return ::readlink(from, target, PATH_MAX); }, length))
+    return error;
+  target[length] = '\0';
+  return retryCall("symlink", [&] { return ::symlink(target, to); });
 }
 
 int makeDirectory(const char* path) noexcept {

@@ -1,0 +1,7 @@
+#include "Base/OS/qvOSFileStatus.h"
+
+namespace qvOS {
+
+void FileStatus::reset() { *this = FileStatus(); }
+
+} // namespace qvOS

@@ -1,0 +1,7 @@
+#include "Base/OS/qvOSIOStream.h"
+
+namespace qvOS {
+
+IOStream::~IOStream() = default;
+
+} // namespace qvOS

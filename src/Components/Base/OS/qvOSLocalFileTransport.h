@@ -1,0 +1,60 @@
+// The transport for names on the local disk, over the C runtime's buffered streams. Private to the library.
+#pragma once
+
+#include "Base/OS/qvOSFileTransport.h"
+#include "Base/Platform/qvPlatformFile.h"
+
+#include <cstdio>
+
+namespace qvOS {
+
+class LocalFileTransport : public FileTransport {
+public:
+  explicit LocalFileTransport(const qvString::IString& path);
+  ~LocalFileTransport() override;
+  LocalFileTransport(const LocalFileTransport&) = delete;
+  LocalFileTransport& operator=(const LocalFileTransport&) = delete;
+
+  qvUtil::Error read(void* buffer, std::uint64_t size, std::uint64_t* count) override;
+  qvUtil::Error write(const void* buffer, std::uint64_t size, std::uint64_t* count) override;
+  qvUtil::Error open(int flags) override;
+  qvUtil::Error openTemp(int flags) override;
+  /// Never fails, even where buffered bytes are lost: a host that must know writes through `io` classes.
+  qvUtil::Error close() override;
+  qvUtil::Error makeDirectory() override;
+  qvUtil::Error makeTempDirectory() override;
+  qvUtil::Error makeDirectoryAll() override;
+  qvUtil::Error readDir(qv::vector<qvString::IString>& names, bool fullPath) override;
+  qvUtil::Error moveTo(FileTransport& dest) override;
+  qvUtil::Error deleteSelf() override;
+  /// Remembered once it could be told, and then never asked again, even if the file changes.
+  bool isDirectory() const override;
+  bool isOpen() const override;
+  qvString::IString getFullName() const override;
+  qvString::IString getNameTitle() const override;
+  qvString::IString getNameBase() const override;
+  qv::WChar getSeparator() const override;
+  qvString::IString transportId() const override;
+  qvUtil::Error query(FileStatus& status) override;
+  qvUtil::Error queryOwnerGroup(FileStatus& status) override;
+
+  /// What the name itself is, a link as a link. The system's number, 0 for success.
+  [[nodiscard]] int queryLink(qvPlatform::FileInfo* info) const;
+  /// What the name leads to.
+  [[nodiscard]] int queryFile(qvPlatform::FileInfo* info) const;
+
+private:
+  /// A stream that was last read must be positioned before it is written, and the other way round.
+  enum class Direction { none, reading, writing };
+
+  [[nodiscard]] int turn(Direction direction);
+  [[nodiscard]] int openStream(const qvString::IString& path, int flags);
+
+  qvString::IString path_;
+  std::FILE* stream_ = nullptr;
+  mutable bool typeKnown_ = false;
+  mutable bool directoryFlag_ = false;
+  Direction direction_ = Direction::none;
+};
+
+} // namespace qvOS

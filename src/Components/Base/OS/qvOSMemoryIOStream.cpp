@@ -1,0 +1,78 @@
+#include "Base/OS/qvOSMemoryIOStream.h"
+
+#include "Base/OS/qvOSFile.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace qvOS {
+
+using qvUtil::Error;
+
+namespace {
+
+constexpr std::size_t leastCapacity = 256;
+
+} // namespace
+
+MemoryIOStream::MemoryIOStream(void* block, std::size_t capacity, std::size_t size)
+    : block_(static_cast<unsigned char*>(block)),
+      size_(std::min(size, capacity)),
+      capacity_(capacity),
+      kind_(Block::lent) {}
+
+MemoryIOStream::MemoryIOStream(const void* block, std::size_t size)
+    : block_(static_cast<unsigned char*>(const_cast<void*>(block))),
+      size_(size),
+      capacity_(size),
+      kind_(Block::constant) {}
+
+MemoryIOStream::~MemoryIOStream() {
+  if (kind_ == Block::own) std::free(block_);
+}
+
+Error MemoryIOStream::read(void* buffer, std::uint64_t size, std::uint64_t* count) {
+  const std::size_t left = size_ - position_;
+  const std::size_t taken = std::min<std::uint64_t>(size, left);
+  if (taken) std::memcpy(buffer, block_ + position_, taken);
+  position_ += taken;
+  if (count) *count = taken;
+  return taken < size ? File::getError(FileError::endOfFile) : Error();
+}
+
+Error MemoryIOStream::write(const void* buffer, std::uint64_t size, std::uint64_t* count) {
+  if (kind_ == Block::own && size > capacity_ - position_) growFor(size);
+  const std::size_t room = kind_ == Block::constant ? 0 : capacity_ - position_;
+  const std::size_t put = std::min<std::uint64_t>(size, room);
+  if (put) std::memcpy(block_ + position_, buffer, put);
+  position_ += put;
+  size_ = std::max(size_, position_);
+  if (count) *count = put;
+  return put < size ? File::getError(FileError::ioProblem) : Error();
+}
+
+/// Makes room for `size` bytes from the position on, doubling the block; where there is no memory, no room.
+void MemoryIOStream::growFor(std::uint64_t size) {
+  if (size > PTRDIFF_MAX - position_) return;
+  const std::size_t doubled = std::min<std::size_t>(capacity_ * 2, PTRDIFF_MAX);
+  const std::size_t wanted = std::max({static_cast<std::size_t>(position_ + size), doubled, leastCapacity});
+  void* block = std::realloc(block_, wanted);
+  if (!block) return;
+  block_ = static_cast<unsigned char*>(block);
+  capacity_ = wanted;
+}
+
+bool MemoryIOStream::seek(std::size_t position) noexcept {
+  if (position > size_) return false;
+  position_ = position;
+  return true;
+}
+
+void MemoryIOStream::truncate(std::size_t size) noexcept {
+  size_ = std::min(size_, size);
+  position_ = std::min(position_, size_);
+}
+
+} // namespace qvOS
