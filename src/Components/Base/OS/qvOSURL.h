@@ -5,6 +5,9 @@
 #include "Base/String/qvStringCString.h"
 #include "Base/qvBase.h"
 
+#include <cstddef>
+#include <string_view>
+
 namespace qvOS {
 
 /// The parts of a text such as "proto://host:port/path?query#ref", or of a plain path, which counts as one of
@@ -95,12 +98,13 @@ private:
   static char decimalHexit2asciiHexit(char value);
 
   void parsePlainPath(const qvString::CString& text);
-  void parseFile(const qvString::CString& path);
-  void parseRemote(const qvString::CString& text, unsigned start);
+  void parseFile(const qvString::CString& text, std::size_t start);
+  void parseRemote(const qvString::CString& locator, std::size_t start);
   void parseAuthority();
-  void parseQueryAndRef(const qvString::CString& text, unsigned mark);
-  void setFilePath(const qvString::CString& path);
-  void setRemotePath(const qvString::CString& path);
+  void parseQueryAndRef(std::string_view text, std::size_t mark);
+  void setFilePath(std::string_view path);
+  void setRemotePath(std::string_view path);
+  qvString::CString origin() const;
   const _info& info(bool encoded) const { return encoded ? encodedInfo_ : plainInfo_; }
   const Filename& file(bool encoded) const { return encoded ? encodedFile_ : plainFile_; }
 
