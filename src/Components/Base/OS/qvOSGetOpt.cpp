@@ -80,7 +80,7 @@ private:
   bool findOption();
   void readArguments();
   void readArgument(ArgumentKind kind);
-  void take() { current.arguments.push_back(std::move(words[next++])); }
+  void take() { current.arguments.emplace_back() = std::move(words[next++]); }
   void readBool();
   void readMatching(bool (*matches)(const IString&), const char* format);
   void readFile(bool dashIsStream, bool dashIsName, Validator validator, const char* label);
@@ -114,8 +114,6 @@ bool GetOpt::Impl::findOption() {
     return false;
   }
   if (typed[skip] == dash) {
-    // With no need of a dash this is still the second of two, since a word that starts with none has none
-    // here.
     ++skip;
     atEnd = typed.length() == skip;
     if (atEnd) return false;

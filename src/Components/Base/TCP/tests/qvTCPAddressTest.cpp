@@ -1,0 +1,138 @@
+#include "Base/TCP/qvTCPAddress.h"
+
+#include "Base/Platform/qvPlatformSocket.h"
+#include "Base/TCP/qvTCPSocketImpl.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace {
+
+using qvTCP::Address;
+using qvUtil::Error;
+
+std::string host(const Address& address) {
+  return (address.isNameCached() ? address.getName() : address.getNumbersAndDots()).first.asUTF8();
+}
+
+TEST(TCPAddress, ReadsHostAndPort) {
+  const struct {
+    int line;
+    const char* text;
+    const char* host;
+    int port;
+    bool numbers;
+    bool loopback;
+  } rows[] = {
+      {__LINE__, "127.0.0.1:80", "127.0.0.1", 80, true, true},
+      {__LINE__, "127.0.0.1", "127.0.0.1", -1, true, true},
+      {__LINE__, "127.0.0.2:1", "127.0.0.2", 1, true, false},
+      {__LINE__, "localhost:80", "localhost", 80, false, false},
+      {__LINE__, "localhost:http", "localhost", 0, false, false},
+      {__LINE__, "localhost:", "localhost", 0, false, false},
+      {__LINE__, "::1", "::1", -1, false, false},
+      {__LINE__, "a:b:1", "a:b:1", -1, false, false},
+      {__LINE__, "1.2.3.4.5", "1.2.3.4.5", -1, false, false},
+      {__LINE__, "0x7f.1", "0x7f.1", -1, true, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const Address address{qvString::IString(row.text)};
+    EXPECT_EQ(host(address), row.host);
+    EXPECT_EQ(address.getPort(), row.port);
+    EXPECT_EQ(address.hasAssignedPort(), row.port != -1);
+    EXPECT_EQ(address.isNumbersAndDotsCached(), row.numbers);
+    EXPECT_EQ(address.isNameCached(), !row.numbers);
+    EXPECT_EQ(address.isLocalLoopback(), row.loopback);
+  }
+}
+
+template <class Make>
+std::string thrownBy(Make make) {
+  try {
+    make();
+  } catch (const Error& error) {
+    return std::to_string(error.num()) + " " + error.message();
+  }
+  return "";
+}
+
+TEST(TCPAddress, RefusesAnEmptyHost) {
+  EXPECT_EQ(thrownBy([] { Address("", 80); }), "2 qvTCP::Address: empty address specified");
+  EXPECT_EQ(thrownBy([] { Address(qvString::IString(":80")); }), "2 qvTCP::Address: empty address specified");
+  EXPECT_EQ(thrownBy([] { Address{qvString::IString()}; }),
+            "2 qvTCP::Address: empty address or incorectly formed address");
+}
+
+TEST(TCPAddress, Compares) {
+  const Address number("127.0.0.1", 80);
+  EXPECT_TRUE(number == Address(qvString::IString("127.0.0.1:80")));
+  EXPECT_FALSE(number == Address("127.0.0.1", 81));
+  EXPECT_FALSE(number == Address("127.0.0.2", 80));
+  EXPECT_TRUE(Address("host", 1) == Address("host", 1));
+  EXPECT_FALSE(Address("host", 1) == Address("other", 1));
+  EXPECT_FALSE(Address("host", 1) == number);
+}
+
+TEST(TCPAddress, LooksUpHosts) {
+  const Address name("localhost", 1);
+  const auto number = name.getNumbersAndDots();
+  EXPECT_FALSE(number.second) << number.second.message();
+  EXPECT_EQ(number.first, Address::localhost);
+  EXPECT_TRUE(name.isNumbersAndDotsCached() && name.isNameCached());
+  EXPECT_FALSE(name.isLocalLoopback());
+
+  EXPECT_EQ(Address("no such host", 1).resolve().num(), 3);
+  EXPECT_EQ(Address("no such host", 1).getAddrInfo(false), nullptr);
+  qvTest::PlatformScript script;
+  script.failCall(0, EIO, "getaddrinfo", 3);
+  const auto failed = Address("localhost", 1).getNumbersAndDots();
+  EXPECT_EQ(failed.second.num(), 1);
+  EXPECT_TRUE(failed.first.isEmpty());
+  EXPECT_EQ(Address("127.0.0.1", 1).getName().second.num(), 1);
+  EXPECT_EQ(Address("127.0.0.1", 1).getAddrInfo(true), nullptr);
+
+  addrinfo* list = Address("127.0.0.1", -1).getAddrInfo(true);
+  EXPECT_NE(list, nullptr);
+  qvPlatform::freeAddressList(list);
+  EXPECT_FALSE(Address::localhostName().isEmpty());
+  EXPECT_EQ(&Address::localhostName(), &Address::localhostName());
+}
+
+TEST(TCPFamilies, ObeyTheEnvironment) {
+  const unsigned all = qvPlatform::availableFamilies();
+  ASSERT_TRUE(all & qvPlatform::familyIPv4);
+  const unsigned six = all & qvPlatform::familyIPv6 ? qvPlatform::familyIPv6 : 0;
+  const struct {
+    int line;
+    bool ipv4Only;
+    bool ipv6Only;
+    unsigned expected;
+  } rows[] = {
+      {__LINE__, false, false, all},
+      {__LINE__, true, false, qvPlatform::familyIPv4},
+      {__LINE__, false, true, six ? six : all},
+      {__LINE__, true, true, six ? six : qvPlatform::familyIPv4},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    if (row.ipv4Only) setenv("QV_IPV4_ONLY", "", 1);
+    if (row.ipv6Only) setenv("QV_IPV6_ONLY", "0", 1);
+    qvTCP::socketsStarted = false;
+    qvTCP::startSockets();
+    EXPECT_EQ(qvTCP::protocolFamilies, row.expected);
+    unsetenv("QV_IPV4_ONLY");
+    unsetenv("QV_IPV6_ONLY");
+  }
+  qvTest::PlatformScript script;
+  script.failCall(1, EAFNOSUPPORT, "socket");
+  qvTCP::socketsStarted = false;
+  EXPECT_TRUE(qvTCP::hasFamily(qvPlatform::familyIPv4));
+  EXPECT_FALSE(qvTCP::hasFamily(qvPlatform::familyIPv6));
+  qvTCP::socketsStarted = false;
+}
+
+} // namespace
