@@ -30,20 +30,22 @@ public:
     --alive;
     letter_ = '!';
   }
-  bool isInstance(void* instance) override { return instance == &alive + letter_; }
+  bool isInstance(void* instance) override { return instance == Slot::instance(letter_); }
   void call() override {
     trace += letter_;
     if (action_) action_();
     trace += static_cast<char>(letter_ - 'a' + 'A'); // after the action: the object must still be there
   }
-  static void* instance(char letter) { return &alive + letter; }
+  static void* instance(char letter) { return &targets[letter - 'a']; }
   static int alive;
+  static char targets[26];
 
 private:
   char letter_;
   std::function<void()> action_, atEnd_;
 };
 int Slot::alive = 0;
+char Slot::targets[26];
 
 // Three slots; the walk goes c, b, a. The middle one runs an action, once unless told otherwise.
 struct Scene {
