@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace qv {
 
@@ -29,9 +30,22 @@ public:
   void setLazy() noexcept { lazy_ = true; }
 
   /// An element with undefined content. Ends the process when memory is exhausted.
-  [[nodiscard]] QV_BASE_API void* alloc() noexcept;
+  [[nodiscard]] void* alloc() noexcept {
+    if (!freeList_) return allocFromBlock();
+    void* const element = freeList_;
+    std::memcpy(&freeList_, element, sizeof freeList_);
+    ++numAllocated_;
+    --numFreed_;
+    return element;
+  }
   /// Takes an element of this pool back; ignores null.
-  QV_BASE_API void free(void* element) noexcept;
+  void free(void* element) noexcept {
+    if (!element) return;
+    std::memcpy(element, &freeList_, sizeof freeList_);
+    freeList_ = element;
+    --numAllocated_;
+    ++numFreed_;
+  }
   /// Gives all blocks back to the heap. Runs no destructors; all elements become invalid.
   QV_BASE_API void freeEverything() noexcept;
 
@@ -47,6 +61,8 @@ private:
   friend struct detail::ContainerCheck;
   struct Block;
   struct Layout;
+
+  QV_BASE_API void* allocFromBlock() noexcept;
 
   Block* blocks_;
   void* freeList_;

@@ -139,7 +139,11 @@ private:
   [[nodiscard]] void* valuePtrOfNode(const HashNodeImpl* node) const noexcept {
     return const_cast<char*>(reinterpret_cast<const char*>(node)) + typeUtil_->valueOffset;
   }
-  HashNodeImpl* linkNewNode(HashNodeImpl** link, std::uint64_t hash, const void* key);
+  using Construct = void (*)(void* dst);
+  struct NewNode;
+  HashNodeImpl* linkNewNode(HashNodeImpl** link, std::uint64_t hash, const void* key, const void* value,
+                            Construct constructValue);
+  void moveNodes(int buckets);
   [[nodiscard]] HashNodeImpl* firstNodeFrom(int bucket) const noexcept;
 
   vector<HashNodeImpl*> buckets_;

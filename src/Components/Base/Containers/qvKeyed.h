@@ -54,6 +54,10 @@ constexpr void setElementFunctions(Record& record) {
   }
 }
 
+/// True where an element can be copied: keys always can.
+template <class Mapped>
+inline constexpr bool isCopyable = std::is_void_v<Mapped> || std::is_copy_constructible_v<Mapped>;
+
 /// A value that is better moved into a default-constructed place than copied.
 template <class Mapped>
 inline constexpr bool isWorthMoving =

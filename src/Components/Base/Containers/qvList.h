@@ -104,7 +104,7 @@ public:
   list(It first, It last) : ListImpl(record()) {
     insert(end(), first, last);
   }
-  list(const list& other) : ListImpl(other) {}
+  list(const list& other) : ListImpl(other) { static_assert(std::is_copy_constructible_v<T>); }
   /// Takes the nodes and leaves `other` empty.
   list(list&& other) noexcept : ListImpl(record()) { ListImpl::swap(other); }
   ~list() = default;
@@ -162,7 +162,7 @@ public:
   }
   /// @}
   /// @{ Adds copies of all elements of `other`, which is another list.
-  void append(const list& other) { ListImpl::append(other); }
+  void append(const list& other) { insert(end(), other.begin(), other.end()); }
   void prepend(const list& other) { ListImpl::prepend(other); }
   /// @}
 
@@ -228,7 +228,10 @@ public:
   }
   void assign(const_iterator first, const_iterator last) { ListImpl::assign(first.node_, last.node_); }
   void assign(std::initializer_list<T> values) { assign(values.begin(), values.end()); }
-  void copy(const list& other) { ListImpl::copy(other); }
+  void copy(const list& other) {
+    static_assert(std::is_copy_constructible_v<T>);
+    ListImpl::copy(other);
+  }
   /// @}
 
   /// @{ The first element equal to `value`; `end()` where there is none.

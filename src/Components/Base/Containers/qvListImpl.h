@@ -48,7 +48,7 @@ public:
 
   /// Empty. `typeUtil` must outlive the list.
   explicit ListImpl(const TypeUtil* typeUtil) noexcept { initialize_inline(typeUtil); }
-  ListImpl(const ListImpl& other) { initialize(other); }
+  ListImpl(const ListImpl& other) : ListImpl(other.typeUtil_) { append(other); }
   ListImpl& operator=(const ListImpl&) = delete;
   ~ListImpl() {
     if (!empty()) freeStorage();
@@ -87,12 +87,12 @@ public:
   /// @{ A new node at the end or the front: its element built by a function (raw where `construct` is null),
   /// or a copy of `value`, or the pointer itself, or left to the caller, who gets the element's address.
   QV_BASE_API void append(Construct construct);
-  QV_BASE_API void append(const void* value, Copy copy);
+  QV_BASE_API void append(const void* value, Copy copyElement);
   QV_BASE_API void append(const void* value);
   QV_BASE_API void appendAndAssignPtr(const void* ptr);
   QV_BASE_API void* appendAndReturnPtr();
   QV_BASE_API void prepend(Construct construct);
-  QV_BASE_API void prepend(const void* value, Copy copy);
+  QV_BASE_API void prepend(const void* value, Copy copyElement);
   QV_BASE_API void prepend(const void* value);
   QV_BASE_API void prependAndAssignPtr(const void* ptr);
   QV_BASE_API void* prependAndReturnPtr();
@@ -100,7 +100,7 @@ public:
 
   /// @{ The same in front of `position`. All return the new node.
   QV_BASE_API Node* insert(Node* position, Construct construct);
-  QV_BASE_API Node* insert(Node* position, const void* value, Copy copy);
+  QV_BASE_API Node* insert(Node* position, const void* value, Copy copyElement);
   QV_BASE_API Node* insert(Node* position, const void* value);
   QV_BASE_API Node* insertAndAssignPtr(Node* position, const void* ptr);
   QV_BASE_API Node* insertAndReturnNode(Node* position);
@@ -109,7 +109,7 @@ public:
   /// @{ Copies of a range in front of `position`: nodes of any list of this element type, or contiguous
   /// elements `stride` bytes apart.
   QV_BASE_API void insert(Node* position, const Node* first, const Node* last);
-  QV_BASE_API void insert(Node* position, const void* first, const void* last, int stride, Copy copy);
+  QV_BASE_API void insert(Node* position, const void* first, const void* last, int stride, Copy copyElement);
   QV_BASE_API void append(const ListImpl& other);
   QV_BASE_API void prepend(const ListImpl& other);
   /// @}
@@ -117,7 +117,7 @@ public:
   /// @{ Replaces the elements by copies of a range outside this list. Nodes that are there get new elements
   /// and stay.
   QV_BASE_API void assign(const Node* first, const Node* last);
-  QV_BASE_API void assign(const void* first, const void* last, int stride, Copy copy);
+  QV_BASE_API void assign(const void* first, const void* last, int stride, Copy copyElement);
   /// @}
   /// `assign` of all of `other`; nothing for the list itself.
   QV_BASE_API void copy(const ListImpl& other);
@@ -208,10 +208,12 @@ private:
 
   ListImpl() noexcept { initializeListState(); }
 
+  Node* makeNode(const void* value, Copy copyElement) const;
   template <class Source>
-  void insertFrom(Node* position, Source source);
+  void insertFrom(Node* position, Source source, Copy copyElement);
   template <class Source>
-  void assignFrom(Source source);
+  void assignFrom(Source source, Copy copyElement);
+  void relinkHeader(const Node* formerHeader) noexcept;
 
   Node header_;
   std::int32_t size_;

@@ -186,7 +186,11 @@ private:
   friend struct detail::ContainerCheck;
   struct Layout;
 
+  struct NewNode;
+
   Node* makeNode(const void* key, const void* value);
+  Node* insertBetween(Node* before, Node* after, const void* key, const void* value);
+  void replaceChild(Node* node, Node* replacement) noexcept;
   void unlinkNode(Node* node) noexcept;
   void rebalanceAfterErase(Node* node, Node* parent) noexcept;
   bool keyLess(const Node* a, const void* key) const { return keyCompare(keyPtrOfNode(a), key); }

@@ -84,7 +84,7 @@ public:
     append(first, last);
   }
   /// A copy with an exact capacity.
-  vector(const vector& other) : VectorImpl(other) {}
+  vector(const vector& other) : VectorImpl(other) { static_assert(std::is_copy_constructible_v<T>); }
   /// Takes the elements and leaves `other` empty.
   vector(vector&& other) noexcept : VectorImpl(record()) { VectorImpl::swap(other); }
   ~vector() = default;
@@ -160,7 +160,10 @@ public:
   }
   /// @}
   /// Adds copies of the other's elements; the capacity becomes exactly the sum of both sizes.
-  void append(const vector& other) { VectorImpl::append(other); }
+  void append(const vector& other) {
+    static_assert(std::is_copy_constructible_v<T>);
+    VectorImpl::append(other);
+  }
   /// Adds copies of a range.
   template <std::input_iterator It>
   void append(It first, It last) {
@@ -235,7 +238,10 @@ public:
     setSize(count, copyOfValue);
   }
   /// Makes this a copy; the capacity becomes exactly the other's size, and a copy of nothing frees the block.
-  void copy(const vector& other) { VectorImpl::copy(other); }
+  void copy(const vector& other) {
+    static_assert(std::is_copy_constructible_v<T>);
+    VectorImpl::copy(other);
+  }
   void swap(vector& other) noexcept { VectorImpl::swap(other); }
   friend void swap(vector& a, vector& b) noexcept { a.swap(b); }
 

@@ -4,6 +4,7 @@
 
 #include "Base/qvBase.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qv {
@@ -47,13 +48,15 @@ public:
   /// Empty, without a block. `typeUtil` must outlive the vector.
   explicit VectorImpl(const TypeUtil* typeUtil) noexcept { initialize(typeUtil); }
   /// `count` elements, built by `construct`, or left as raw memory where that is null.
-  VectorImpl(int count, ConstructRange construct, const TypeUtil* typeUtil) {
+  VectorImpl(int count, ConstructRange construct, const TypeUtil* typeUtil) : VectorImpl(typeUtil) {
     initialize(count, construct, typeUtil);
   }
   /// `count` copies of `value`; `count` is at least 1.
-  VectorImpl(int count, const void* value, const TypeUtil* typeUtil) { initialize(count, value, typeUtil); }
+  VectorImpl(int count, const void* value, const TypeUtil* typeUtil) : VectorImpl(typeUtil) {
+    initialize(count, value, typeUtil);
+  }
   /// A copy of the elements; its capacity is exact.
-  VectorImpl(const VectorImpl& other) { initialize(other); }
+  VectorImpl(const VectorImpl& other) : VectorImpl(other.typeUtil_) { append(other); }
   VectorImpl& operator=(const VectorImpl&) = delete;
   ~VectorImpl() { freeStorage(); }
 
@@ -87,7 +90,7 @@ public:
   /// by 8 while it is below 32, and doubles from there.
   QV_BASE_API void append(Construct construct);
   QV_BASE_API void append(const void* value);
-  QV_BASE_API void append(const void* value, Copy copy);
+  QV_BASE_API void append(const void* value, Copy copyElement);
   QV_BASE_API void appendAndAssignPtr(const void* ptr);
   /// @}
   /// Adds copies of the other's elements, which may be this vector itself. The capacity becomes exactly the
@@ -97,7 +100,7 @@ public:
   /// @{ Inserts one element in front of `position` and returns its place; grows as `append` does.
   QV_BASE_API void* insert(void* position, Construct construct);
   QV_BASE_API void* insert(void* position, const void* value);
-  QV_BASE_API void* insert(void* position, const void* value, Copy copy);
+  QV_BASE_API void* insert(void* position, const void* value, Copy copyElement);
   QV_BASE_API void* insertAndAssignPtr(void* position, const void* ptr);
   /// @}
   /// @{ Inserts copies in front of `position`: `count` of `value`, or of the range, neither of which may lie
@@ -158,13 +161,15 @@ private:
   friend struct detail::ContainerCheck;
   struct Layout;
 
-  [[nodiscard]] std::int64_t bytes(std::int64_t count) const noexcept {
-    return count * static_cast<std::int64_t>(typeUtil_->elementSize);
+  [[nodiscard]] std::size_t bytes(std::ptrdiff_t count) const noexcept {
+    return static_cast<std::size_t>(count) * typeUtil_->elementSize;
   }
-  [[nodiscard]] char* slot(std::int64_t index) const noexcept {
+  [[nodiscard]] char* slot(std::ptrdiff_t index) const noexcept {
     return static_cast<char*>(data_) + bytes(index);
   }
-  char* openGap(void* position, std::int64_t count);
+  void makeRoomForOne();
+  template <class Fill>
+  void* insertGap(void* position, int count, bool exact, Fill fill);
 };
 
 static_assert(sizeof(VectorImpl) == 2 * sizeof(void*) + 8);
