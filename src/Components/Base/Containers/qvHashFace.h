@@ -206,7 +206,10 @@ public:
   /// Drops the element with that key, which may lie in it. Returns how many there were.
   int erase(const Key& key) { return eraseKey(Hash()(key), std::addressof(key)); }
 
-  void copy(const HashFace& other) { HashTableImpl::copy(&other); }
+  void copy(const HashFace& other) {
+    static_assert(isCopyable<Mapped>);
+    HashTableImpl::copy(&other);
+  }
   void swap(HashFace& other) noexcept { HashTableImpl::swap(other); }
   friend void swap(HashFace& a, HashFace& b) noexcept { a.swap(b); }
 
@@ -241,6 +244,7 @@ private:
 
   const HashNodeImpl* findKey(const Key& key) const { return findNode(Hash()(key), std::addressof(key)); }
   pair<iterator, bool> insertCopy(const Key& key, const void* value) {
+    static_assert(isCopyable<Mapped>);
     const int before = size();
     rehash(before + 1);
     HashNodeImpl* const node = insert_unique_noresize(Hash()(key), std::addressof(key), value);

@@ -161,9 +161,9 @@ public:
     return *emplace(begin(), std::forward<Args>(args)...);
   }
   /// @}
-  /// @{ Adds copies of all elements of `other`, which is another list.
+  /// @{ Adds copies of all elements of `other`, which may be this list itself.
   void append(const list& other) { insert(end(), other.begin(), other.end()); }
-  void prepend(const list& other) { ListImpl::prepend(other); }
+  void prepend(const list& other) { insert(begin(), other.begin(), other.end()); }
   /// @}
 
   /// @{ Inserts in front of `position`; returns the place of the (first) new element.
@@ -171,9 +171,13 @@ public:
   iterator insert(const_iterator position, T&& value) { return emplace(position, std::move(value)); }
   template <std::input_iterator It>
   iterator insert(const_iterator position, It first, It last) {
-    const const_iterator before = std::prev(position);
-    for (; first != last; ++first) emplace(position, *first);
-    return std::next(iterator(before.node_));
+    Node* const before = position.node_->prev;
+    if constexpr (std::is_convertible_v<It, const_iterator>) {
+      ListImpl::insert(position.node_, const_iterator(first).node_, const_iterator(last).node_);
+    } else {
+      for (; first != last; ++first) emplace(position, *first);
+    }
+    return iterator(before->next);
   }
   iterator insert(const_iterator position, std::initializer_list<T> values) {
     return insert(position, values.begin(), values.end());

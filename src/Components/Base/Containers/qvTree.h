@@ -179,7 +179,7 @@ public:
   Tree(It first, It last) : RBTreeImpl(record()) {
     insert(first, last);
   }
-  Tree(const Tree& other) : RBTreeImpl(other) {}
+  Tree(const Tree& other) : RBTreeImpl(other) { static_assert(isCopyable<Mapped>); }
   /// Takes the nodes and leaves `other` empty.
   Tree(Tree&& other) noexcept : RBTreeImpl(record()) { RBTreeImpl::swap(other); }
   ~Tree() = default;
@@ -241,6 +241,7 @@ public:
   /// @{ Inserts an element. Where keys are unique and the key is there, nothing changes; otherwise it goes
   /// behind its equals. An element that belongs next to `hint` costs no search.
   Inserted insert(const value_type& element) {
+    static_assert(isCopyable<Mapped>);
     const int before = size();
     return inserted(insertCopy(Keyed::key(element), Keyed::value(element)), before);
   }
@@ -255,6 +256,7 @@ public:
     }
   }
   iterator insert(const_iterator hint, const value_type& element) {
+    static_assert(isCopyable<Mapped>);
     return iterator(insertCopyAt(hint.node(), Keyed::key(element), Keyed::value(element)));
   }
   template <class... Args>
@@ -285,7 +287,10 @@ public:
   int erase(const Key& key) { return eraseNodesMatching(std::addressof(key)); }
 
   /// Makes this a copy, built anew.
-  void copy(const Tree& other) { RBTreeImpl::copy(other); }
+  void copy(const Tree& other) {
+    static_assert(isCopyable<Mapped>);
+    RBTreeImpl::copy(other);
+  }
   void swap(Tree& other) noexcept { RBTreeImpl::swap(other); }
   friend void swap(Tree& a, Tree& b) noexcept { a.swap(b); }
 
