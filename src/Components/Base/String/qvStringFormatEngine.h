@@ -10,9 +10,13 @@ namespace qvString {
 
 /// Formats by the rules of qvStringFormat.h into `buffer` of `size` characters (null only if `size` is 0).
 /// What doesn't fit is dropped; the text is terminated whenever `size` isn't 0. A null format is an empty
-/// one. `args` is left as after the last argument read: copy it first to format again into a bigger buffer.
+/// one. `args` stays as it was, so the caller can format it again into a bigger buffer.
 /// @return the length of the whole text without the terminator, as if there had been room.
 std::size_t formatText(char* buffer, std::size_t size, const char* format, va_list args) noexcept;
 std::size_t formatText(qv::WChar* buffer, std::size_t size, const qv::WChar* format, va_list args) noexcept;
+
+/// The letter of a directive that stands between `afterPercent` and it nothing but one `-`, a width, a dot
+/// and a precision, all optional. Any other character where there is something else.
+const qv::WChar* plainLetter(const qv::WChar* afterPercent) noexcept;
 
 } // namespace qvString

@@ -1,0 +1,540 @@
+#include "Base/String/qvStringFormatEngine.h"
+
+#include "Base/String/qvStringConvert.h"
+#include "Base/String/qvStringFormatDirective.h"
+#include "Base/String/qvStringLocale.h"
+
+#include <algorithm>
+#include <cfenv>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <type_traits>
+
+namespace qvString {
+
+namespace {
+
+/// A buffer that drops what doesn't fit, and counts all.
+template <class C>
+class Output {
+public:
+  Output(C* buffer, std::size_t size) noexcept
+      : begin_(buffer), p_(buffer), end_(buffer + (size ? size - 1 : 0)) {}
+
+  void put(C c) noexcept {
+    if (p_ != end_)
+      *p_++ = c;
+    else
+      ++dropped_;
+  }
+
+  void fill(std::size_t count, C c) noexcept {
+    const std::size_t fitting = take(count);
+    for (std::size_t i = 0; i < fitting; ++i) *p_++ = c;
+  }
+
+  template <class From>
+  void text(const From* from, std::size_t count) noexcept {
+    const std::size_t fitting = take(count);
+    for (std::size_t i = 0; i < fitting; ++i) *p_++ = static_cast<C>(from[i]);
+  }
+
+  [[nodiscard]] std::size_t count() const noexcept {
+    return static_cast<std::size_t>(p_ - begin_) + dropped_;
+  }
+
+  void terminate(std::size_t size) noexcept {
+    if (size) *p_ = C();
+  }
+
+private:
+  std::size_t take(std::size_t count) noexcept {
+    const std::size_t fitting = std::min(count, static_cast<std::size_t>(end_ - p_));
+    dropped_ += count - fitting;
+    return fitting;
+  }
+
+  C* const begin_;
+  C* p_;
+  C* const end_;
+  std::size_t dropped_ = 0;
+};
+
+/// A number without its padding: sign or base mark, zeros that the precision asks for, digits.
+struct Number {
+  char prefix[2];
+  int prefixLength = 0;
+  int zeros = 0;
+  const char* digits = nullptr;
+  std::size_t numDigits = 0;
+
+  void addPrefix(char c) noexcept { prefix[prefixLength++] = c; }
+};
+
+constexpr struct DigitPairs {
+  char text[200]{};
+  constexpr DigitPairs() {
+    for (int i = 0; i < 100; ++i) {
+      text[2 * i] = static_cast<char>('0' + i / 10);
+      text[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+  }
+} kDigitPairs;
+
+/// Writes the digits of `value` before `end` and returns the first; none for 0.
+char* decimalDigits(std::uint64_t value, char* end) noexcept {
+  while (value >= 100) {
+    end -= 2;
+    std::memcpy(end, kDigitPairs.text + 2 * (value % 100), 2);
+    value /= 100;
+  }
+  if (value >= 10) {
+    end -= 2;
+    std::memcpy(end, kDigitPairs.text + 2 * value, 2);
+  } else if (value) {
+    *--end = static_cast<char>('0' + value);
+  }
+  return end;
+}
+
+char* binaryDigits(std::uint64_t value, unsigned int bits, const char* alphabet, char* end) noexcept {
+  for (; value; value >>= bits) *--end = alphabet[value & ((1u << bits) - 1)];
+  return end;
+}
+
+constexpr char kLower[] = "0123456789abcdef";
+constexpr char kUpper[] = "0123456789ABCDEF";
+
+/// One run over a format and its arguments.
+template <class C>
+class Formatter {
+public:
+  Formatter(C* buffer, std::size_t size, va_list args) noexcept : out_(buffer, size), size_(size) {
+    va_copy(args_, args);
+  }
+  Formatter(const Formatter&) = delete;
+  Formatter& operator=(const Formatter&) = delete;
+  ~Formatter() { va_end(args_); }
+
+  std::size_t run(const C* format) noexcept {
+    while (*format) {
+      const C* percent = format;
+      while (*percent && *percent != '%') ++percent;
+      out_.text(format, static_cast<std::size_t>(percent - format));
+      if (!*percent) break;
+      format = directive(percent);
+    }
+    out_.terminate(size_);
+    return out_.count();
+  }
+
+private:
+  using Spec = Directive<C>;
+
+  /// Prints one directive and returns what follows it.
+  const C* directive(const C* percent) noexcept {
+    if (percent[1] == '%') {
+      out_.put('%');
+      return percent + 2;
+    }
+    Spec spec = scanDirective(percent + 1);
+    if (!print(spec, percent + 1)) out_.text(percent, static_cast<std::size_t>(spec.end - percent));
+    return spec.end;
+  }
+
+  /// False, with no argument read, for a directive that isn't known.
+  bool print(Spec& spec, const C* afterPercent) noexcept {
+    switch (spec.letter) {
+    case 'd':
+    case 'i':
+      return isIntegerSize(spec.size) && (fetchStars(spec), signedInteger(spec), true);
+    case 'u':
+    case 'o':
+    case 'x':
+    case 'X':
+      return isIntegerSize(spec.size) && (fetchStars(spec), unsignedInteger(spec), true);
+    case 'a':
+    case 'A':
+    case 'e':
+    case 'E':
+    case 'f':
+    case 'F':
+    case 'g':
+    case 'G':
+      return isFloatSize(spec.size) && (fetchStars(spec), floating(spec), true);
+    case 'p':
+      return spec.size == Size::None && (fetchStars(spec), pointer(spec), true);
+    case 's':
+    case 'S':
+      return isTextSize(spec.size) && (fetchStars(spec), string(spec, takesWide(spec, afterPercent)), true);
+    case 'c':
+    case 'C':
+      return isTextSize(spec.size) &&
+             (fetchStars(spec), character(spec, takesWide(spec, afterPercent)), true);
+    default:
+      return false;
+    }
+  }
+
+  static bool isIntegerSize(Size size) noexcept { return size != Size::Wide; }
+  static bool isFloatSize(Size size) noexcept {
+    return size == Size::None || size == Size::Long || size == Size::LongDouble;
+  }
+  static bool isTextSize(Size size) noexcept {
+    return size == Size::None || size == Size::Short || size == Size::Long || size == Size::Wide;
+  }
+
+  /// Whether `%s` or `%c` takes a wide argument. The runtime's reading of the letters is the width of the
+  /// format for the small one and the other width for the capital; a plain directive in a wide format has it
+  /// exchanged.
+  static bool takesWide(const Spec& spec, const C* afterPercent) noexcept {
+    if (spec.size != Size::None) return spec.size != Size::Short;
+    const bool capital = spec.letter == 'S' || spec.letter == 'C';
+    if constexpr (std::is_same_v<C, char>)
+      return capital;
+    else
+      return capital == (plainLetter(afterPercent) + 1 == spec.end);
+  }
+
+  void fetchStars(Spec& spec) noexcept {
+    if (spec.starWidth) {
+      const int width = va_arg(args_, int);
+      spec.left = spec.left || width < 0;
+      spec.width = width >= 0                                 ? width
+                   : width == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max()
+                                                              : -width;
+    }
+    if (spec.starPrecision) spec.precision = std::max(va_arg(args_, int), -1);
+  }
+
+  std::int64_t fetchSigned(Size size) noexcept {
+    switch (size) {
+    case Size::Char:
+      return static_cast<signed char>(va_arg(args_, int));
+    case Size::Short:
+      return static_cast<short>(va_arg(args_, int));
+    case Size::Long:
+      return va_arg(args_, long);
+    case Size::LongLong:
+    case Size::LongDouble:
+      return va_arg(args_, long long);
+    case Size::Int64:
+      return va_arg(args_, std::int64_t);
+    case Size::Max:
+      return va_arg(args_, std::intmax_t);
+    case Size::Pointer:
+      return va_arg(args_, std::ptrdiff_t);
+    default:
+      return va_arg(args_, int);
+    }
+  }
+
+  std::uint64_t fetchUnsigned(Size size) noexcept {
+    switch (size) {
+    case Size::Char:
+      return static_cast<unsigned char>(va_arg(args_, unsigned int));
+    case Size::Short:
+      return static_cast<unsigned short>(va_arg(args_, unsigned int));
+    case Size::Long:
+      return va_arg(args_, unsigned long);
+    case Size::LongLong:
+    case Size::LongDouble:
+      return va_arg(args_, unsigned long long);
+    case Size::Int64:
+      return va_arg(args_, std::uint64_t);
+    case Size::Max:
+      return va_arg(args_, std::uintmax_t);
+    case Size::Pointer:
+      return va_arg(args_, std::size_t);
+    default:
+      return va_arg(args_, unsigned int);
+    }
+  }
+
+  void signedInteger(const Spec& spec) noexcept {
+    const std::int64_t value = fetchSigned(spec.size);
+    Number number;
+    addSign(number, value < 0, spec);
+    char digits[24];
+    char* const end = digits + sizeof digits;
+    const std::uint64_t magnitude =
+        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    integer(number, decimalDigits(magnitude, end), end, spec);
+  }
+
+  void unsignedInteger(const Spec& spec) noexcept {
+    const std::uint64_t value = fetchUnsigned(spec.size);
+    Number number;
+    char digits[24];
+    char* const end = digits + sizeof digits;
+    char* first = end;
+    if (spec.letter == 'u') {
+      first = decimalDigits(value, end);
+    } else if (spec.letter == 'o') {
+      first = binaryDigits(value, 3, kLower, end);
+      if (spec.alternate && (value || spec.precision == 0)) *--first = '0';
+    } else {
+      first = binaryDigits(value, 4, spec.letter == 'x' ? kLower : kUpper, end);
+      if (spec.alternate && value) {
+        number.addPrefix('0');
+        number.addPrefix(spec.letter);
+      }
+    }
+    integer(number, first, end, spec);
+  }
+
+  void integer(Number& number, const char* first, const char* end, const Spec& spec) noexcept {
+    number.digits = first;
+    number.numDigits = static_cast<std::size_t>(end - first);
+    const int wanted = spec.precision < 0 ? 1 : spec.precision;
+    number.zeros = std::max(wanted - static_cast<int>(number.numDigits), 0);
+    print(number, spec, spec.zero && spec.precision < 0);
+  }
+
+  static void addSign(Number& number, bool negative, const Spec& spec) noexcept {
+    if (negative)
+      number.addPrefix('-');
+    else if (spec.plus)
+      number.addPrefix('+');
+    else if (spec.blank)
+      number.addPrefix(' ');
+  }
+
+  void print(const Number& number, const Spec& spec, bool zeroPadded) noexcept {
+    const std::size_t length = static_cast<std::size_t>(number.prefixLength) +
+                               static_cast<std::size_t>(number.zeros) + number.numDigits;
+    const std::size_t padding = paddingOf(spec, length);
+    if (!spec.left && !zeroPadded) out_.fill(padding, ' ');
+    out_.text(number.prefix, static_cast<std::size_t>(number.prefixLength));
+    if (!spec.left && zeroPadded) out_.fill(padding, '0');
+    out_.fill(static_cast<std::size_t>(number.zeros), '0');
+    out_.text(number.digits, number.numDigits);
+    if (spec.left) out_.fill(padding, ' ');
+  }
+
+  static std::size_t paddingOf(const Spec& spec, std::size_t length) noexcept {
+    const std::size_t width = static_cast<std::size_t>(spec.width);
+    return width > length ? width - length : 0;
+  }
+
+  void pointer(const Spec& spec) noexcept {
+    constexpr int kDigits = 16;
+    char digits[kDigits];
+    char* const end = digits + kDigits;
+    Number number;
+    number.digits = binaryDigits(reinterpret_cast<std::uintptr_t>(va_arg(args_, void*)), 4, kUpper, end);
+    number.numDigits = static_cast<std::size_t>(end - number.digits);
+    number.zeros = kDigits - static_cast<int>(number.numDigits);
+    print(number, spec, false);
+  }
+
+  void floating(const Spec& spec) noexcept {
+    if (spec.size == Size::LongDouble) return floatingByRuntime(spec, va_arg(args_, long double));
+    const double value = va_arg(args_, double);
+    if (!floatingByHand(spec, value)) floatingByRuntime(spec, value);
+  }
+
+  /// The common cases, for which `std::to_chars` is defined to give the runtime's digits.
+  bool floatingByHand(const Spec& spec, double value) noexcept {
+    constexpr int kMostDigits = 60;
+    const bool known = spec.letter == 'f' || spec.letter == 'e' || spec.letter == 'g';
+    if (!known || spec.alternate || spec.precision > kMostDigits || !std::isfinite(value) ||
+        std::fegetround() != FE_TONEAREST)
+      return false;
+    const std::chars_format form = spec.letter == 'f'   ? std::chars_format::fixed
+                                   : spec.letter == 'e' ? std::chars_format::scientific
+                                                        : std::chars_format::general;
+    char digits[std::numeric_limits<double>::max_exponent10 + kMostDigits + 16];
+    const auto made = std::to_chars(digits, digits + sizeof digits, std::fabs(value), form,
+                                    spec.precision < 0 ? 6 : spec.precision);
+    if (made.ec != std::errc()) return false;
+    char* const point =
+        static_cast<char*>(std::memchr(digits, '.', static_cast<std::size_t>(made.ptr - digits)));
+    if (point) {
+      const char* const localPoint = qvPlatform::decimalPoint();
+      if (localPoint[0] == '\0' || localPoint[1] != '\0' || static_cast<unsigned char>(localPoint[0]) >= 0x80)
+        return false;
+      *point = localPoint[0];
+    }
+    Number number;
+    addSign(number, std::signbit(value), spec);
+    number.digits = digits;
+    number.numDigits = static_cast<std::size_t>(made.ptr - digits);
+    print(number, spec, spec.zero);
+    return true;
+  }
+
+  /// The C runtime makes the number, and the padding is done here. Digits past the greatest precision that a
+  /// number can need are all zeros.
+  template <class Float>
+  void floatingByRuntime(const Spec& spec, Float value) noexcept {
+    constexpr int kMostPrecision = 16500;
+    char format[12];
+    char* p = format;
+    *p++ = '%';
+    if (spec.plus) *p++ = '+';
+    if (spec.blank) *p++ = ' ';
+    if (spec.alternate) *p++ = '#';
+    *p++ = '.';
+    *p++ = '*';
+    if (std::is_same_v<Float, long double>) *p++ = 'L';
+    *p++ = spec.letter;
+    *p = '\0';
+    char body[kMostPrecision + 5000];
+    const int made =
+        std::snprintf(body, sizeof body, format, std::min(spec.precision, kMostPrecision), value);
+    const std::size_t length = std::min(static_cast<std::size_t>(std::max(made, 0)), sizeof body - 1);
+    const bool hasFurther = spec.precision > kMostPrecision && std::isfinite(value) &&
+                            ((spec.letter != 'g' && spec.letter != 'G') || spec.alternate);
+    printRuntimeNumber(spec, body, length,
+                       hasFurther ? static_cast<std::size_t>(spec.precision - kMostPrecision) : 0,
+                       std::isfinite(value));
+  }
+
+  /// `body` is a sign, "0x", digits and an exponent, all but the digits optional. `further` zeros belong
+  /// behind the digits.
+  void printRuntimeNumber(const Spec& spec, const char* body, std::size_t length, std::size_t further,
+                          bool finite) noexcept {
+    const char* const end = body + length;
+    const char* first = body;
+    if (first != end && (*first == '-' || *first == '+' || *first == ' ')) ++first;
+    const bool hexadecimal = finite && (spec.letter == 'a' || spec.letter == 'A');
+    if (hexadecimal) first += 2;
+    const char* exponent = end;
+    if (finite && spec.letter != 'f' && spec.letter != 'F')
+      exponent = std::find_if(
+          first, end, [=](char c) { return hexadecimal ? c == 'p' || c == 'P' : c == 'e' || c == 'E'; });
+    const std::size_t padding = paddingOf(spec, convert(body, length, kNoLimit, ignore) + further);
+    const bool zeroPadded = spec.zero && finite;
+    if (!spec.left && !zeroPadded) out_.fill(padding, ' ');
+    out_.text(body, static_cast<std::size_t>(first - body));
+    if (!spec.left && zeroPadded) out_.fill(padding, '0');
+    convert(first, static_cast<std::size_t>(exponent - first), kNoLimit, writer());
+    out_.fill(further, '0');
+    out_.text(exponent, static_cast<std::size_t>(end - exponent));
+    if (spec.left) out_.fill(padding, ' ');
+  }
+
+  static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+  void string(const Spec& spec, bool wide) noexcept {
+    if (wide)
+      anyString(spec, va_arg(args_, const qv::WChar*), QV_W("(null)"));
+    else
+      anyString(spec, va_arg(args_, const char*), "(null)");
+  }
+
+  template <class From>
+  void anyString(const Spec& spec, const From* text, const From* null) noexcept {
+    const std::size_t limit = spec.precision < 0 ? kNoLimit : static_cast<std::size_t>(spec.precision);
+    printText(spec, text ? text : null, kNoLimit, limit);
+  }
+
+  void character(const Spec& spec, bool wide) noexcept {
+    const int code = va_arg(args_, int);
+    if (wide) {
+      const qv::WChar c = static_cast<qv::WChar>(code);
+      printText(spec, &c, 1, kNoLimit);
+    } else {
+      const char c = static_cast<char>(code);
+      printText(spec, &c, 1, kNoLimit);
+    }
+  }
+
+  template <class From>
+  void printText(const Spec& spec, const From* text, std::size_t count, std::size_t limit) noexcept {
+    const std::size_t padding = spec.width ? paddingOf(spec, convert(text, count, limit, ignore)) : 0;
+    if (!spec.left) out_.fill(padding, ' ');
+    convert(text, count, limit, writer());
+    if (spec.left) out_.fill(padding, ' ');
+  }
+
+  static constexpr auto ignore = [](const auto*, std::size_t) {};
+  auto writer() noexcept {
+    return [this](const auto* chars, std::size_t count) { out_.text(chars, count); };
+  }
+
+  /// Hands the characters of a text of `count` characters (`kNoLimit`: terminated), converted to the format's
+  /// width, to `sink` piece by piece, without those that go beyond `limit`; none is cut in two. Reads nothing
+  /// behind what reaches the limit. Returns how many characters came out.
+  template <class From, class Sink>
+  static std::size_t convert(const From* text, std::size_t count, std::size_t limit, Sink sink) noexcept {
+    if constexpr (std::is_same_v<From, C>) {
+      const std::size_t length = std::min(count == kNoLimit ? lengthOf(text, limit) : count, limit);
+      sink(text, length);
+      return length;
+    } else {
+      std::conditional_t<std::is_same_v<From, char>, LocaleDecoder, LocaleEncoder> converter;
+      std::size_t made = 0;
+      for (std::size_t i = 0; made < limit && (count == kNoLimit ? text[i] != 0 : i < count);) {
+        if (converter.keepsAscii()) {
+          const std::size_t run = asciiRun(text + i, std::min(count - i, limit - made));
+          sink(text + i, run);
+          made += run;
+          i += run;
+          if (run) continue;
+        }
+        const auto c = converter.next(text + i, count == kNoLimit ? std::size_t{MB_LEN_MAX} : count - i);
+        const C unknown = static_cast<C>('?');
+        const std::size_t length = c.numMade ? static_cast<std::size_t>(c.numMade) : 1;
+        if (length > limit - made) break;
+        sink(c.numMade ? c.made : &unknown, length);
+        made += length;
+        i += static_cast<std::size_t>(c.numUsed);
+      }
+      return made;
+    }
+  }
+
+  static std::size_t lengthOf(const C* text, std::size_t limit) noexcept {
+    if (limit == kNoLimit) return std::char_traits<C>::length(text);
+    const C* const end = std::char_traits<C>::find(text, limit, C());
+    return end ? static_cast<std::size_t>(end - text) : limit;
+  }
+
+  /// Characters from 1 to 127 at the start of a text.
+  template <class From>
+  static std::size_t asciiRun(const From* text, std::size_t limit) noexcept {
+    std::size_t run = 0;
+    while (run < limit && text[run] > 0 && text[run] < 0x80) ++run;
+    return run;
+  }
+
+  Output<C> out_;
+  std::size_t size_;
+  va_list args_;
+};
+
+template <class C>
+std::size_t run(C* buffer, std::size_t size, const C* format, va_list args) noexcept {
+  static constexpr C kEmpty[1] = {};
+  return Formatter<C>(buffer, size, args).run(format ? format : kEmpty);
+}
+
+} // namespace
+
+std::size_t formatText(char* buffer, std::size_t size, const char* format, va_list args) noexcept {
+  return run(buffer, size, format, args);
+}
+
+std::size_t formatText(qv::WChar* buffer, std::size_t size, const qv::WChar* format, va_list args) noexcept {
+  return run(buffer, size, format, args);
+}
+
+const qv::WChar* plainLetter(const qv::WChar* p) noexcept {
+  const auto skipDigits = [&p] {
+    while (*p >= '0' && *p <= '9') ++p;
+  };
+  if (*p == '-') ++p;
+  skipDigits();
+  if (*p == '.') ++p;
+  skipDigits();
+  return p;
+}
+
+} // namespace qvString
