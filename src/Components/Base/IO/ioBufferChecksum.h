@@ -26,8 +26,8 @@ public:
 
 private:
   int readBlock(unsigned char* destination, int count);
-  int readData(unsigned char* destination, int size, unsigned sum);
-  int readLargeBlock(int size, unsigned sum);
+  int readLargeBlock(int size);
+  int verified(const unsigned char* data, int got, int wanted, std::uint16_t sum);
   int serveBlock(unsigned char* destination, int count);
 
   ioChecksum runningSum_;

@@ -24,6 +24,8 @@ public:
   void writeRaw(const void* source, int count) override;
 
 private:
+  ioLzwWriter& writer();
+
   std::unique_ptr<ioLzwReader> reader_; ///< Made when the first byte moves, like the writer.
   std::unique_ptr<ioLzwWriter> writer_;
 };

@@ -17,12 +17,13 @@
 #include "Base/IO/ioEncryptKey.h"
 
 #include <array>
+#include <span>
 #include <vector>
 
 class ioBufferEncrypt : public ioBuffer {
 public:
   explicit ioBufferEncrypt(bool forReading);
-  /// Wipes the key and all data that is not encrypted.
+  /// Wipes the key.
   ~ioBufferEncrypt() override;
 
   /// Writes what a writer holds and the block that ends the stream, once.
@@ -35,21 +36,20 @@ public:
   void writeRaw(const void* source, int count) override;
 
 private:
-  static constexpr int largestBlock = 65536;
-  using Header = std::array<unsigned char, 24>; ///< The stream's first 16 bytes, then a block's first 8.
-
-  bool start();
+  bool startWriting();
+  bool startReading();
   bool fetchKey();
+  void wipeKey() noexcept;
   bool readBlock();
-  void failRead();
   void writeBlock(const unsigned char* data, int size);
-  [[nodiscard]] std::array<unsigned char, 12> blockNonce() const;
-  void wipe() noexcept;
+  unsigned char* blockRoom(int size);
+  [[nodiscard]] std::array<unsigned char, 12> blockNonce() const noexcept;
+  [[nodiscard]] std::span<const unsigned char> coveredHeader() const noexcept;
 
   bool started_ = false;
-  bool ended_ = false;
+  bool ended_ = false; ///< The block that ends the stream is written.
   std::uint32_t sequence_ = 0;
-  Header header_{};
+  std::array<unsigned char, 24> header_{}; ///< The stream's 16 bytes, then the current block's 8.
   std::array<unsigned char, ioEncryptKeySize> key_{};
   std::vector<unsigned char> block_; ///< Data of the current block, then its tag.
   int blockBytes_ = 0;

@@ -31,7 +31,7 @@ public:
   void writeRaw(const void* source, int count) override;
 
 private:
-  int fileDescriptor_ = -1;
+  std::intptr_t fileDescriptor_ = -1; ///< As the platform's file calls take it.
   bool ownsDescriptor_ = false;
   bool truncateFile_ = true;
 };

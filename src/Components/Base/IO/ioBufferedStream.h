@@ -94,6 +94,8 @@ protected:
   ioBuffer* bufferChain_ = nullptr; ///< The top link; null while closed.
 
 private:
+  template <class Link>
+  void changeFilter(bool on);
   void addBufferToChain(ioBuffer* link) noexcept;
   void popBufferChain();
 };

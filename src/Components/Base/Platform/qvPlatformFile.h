@@ -27,6 +27,7 @@ enum OpenFlag : unsigned {
   openCreate = 8,     ///< Make the file where there is none.
   openExclusive = 16, ///< With `openCreate`: fail with `exists` where the name is taken, by a link too.
   openTruncate = 32,  ///< Empty the file.
+  openPrivate = 64,   ///< A file that is made here is for its owner only.
 };
 
 /// Opens the file [open]. A directory gives `isDirectory`, whatever the flags are.

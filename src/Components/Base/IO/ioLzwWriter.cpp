@@ -1,0 +1,109 @@
+#include "Base/IO/ioLzwWriter.h"
+
+#include "Base/IO/ioBuffer.h"
+
+#include <algorithm>
+
+void ioLzwWriter::start(ioBuffer& target, unsigned char first) {
+  hashCodes_.reset(new Slot[hashSize]);
+  std::fill_n(hashCodes_.get(), hashSize, vacant);
+  target.writeBytes(ioLzwMagic, sizeof ioLzwMagic);
+  inputCount_ = 1;
+  currentCode_ = first;
+  started_ = true;
+}
+
+/// The slot that holds `key`, or else the one where it belongs. A search that has left its first slot stops at
+/// key 0 as it stops at a vacant slot, and what belongs there replaces it: output depends on this.
+inline int ioLzwWriter::findSlot(std::uint32_t key) const noexcept {
+  int i = static_cast<int>((key >> 16) << 8 ^ (key & 0xFFFFU));
+  Slot slot = hashCodes_[i];
+  if (slot == vacant || slot >> 16 == key) return i;
+  const int step = i == 0 ? 1 : hashSize - i;
+  do {
+    i -= step;
+    if (i < 0) i += hashSize;
+    slot = hashCodes_[i];
+  } while (slot >> 16 != key && slot >> 16 != 0 && slot != vacant);
+  return i;
+}
+
+void ioLzwWriter::compress(ioBuffer& target, const unsigned char* source, int count) {
+  const unsigned char* const end = source + count;
+  if (!started_ && count > 0) start(target, *source++);
+  std::uint32_t current = static_cast<std::uint32_t>(currentCode_);
+  const unsigned char* const begin = source;
+  const std::int64_t countBefore = inputCount_;
+  for (; source < end; ++source) {
+    const std::uint32_t key = static_cast<std::uint32_t>(*source) << 16 | current;
+    Slot& slot = hashCodes_[findSlot(key)];
+    if (slot >> 16 == key) {
+      current = slot & 0xFFFFU;
+      continue;
+    }
+    emitCode(target, static_cast<int>(current));
+    current = *source;
+    inputCount_ = countBefore + (source + 1 - begin);
+    if (freeCode_ < ioLzwCodeLimit)
+      slot = static_cast<Slot>(key) << 16 | static_cast<Slot>(freeCode_++);
+    else if (inputCount_ >= checkpoint_)
+      checkRatio(target);
+  }
+  inputCount_ = countBefore + (source - begin);
+  currentCode_ = static_cast<int>(current);
+}
+
+void ioLzwWriter::checkRatio(ioBuffer& target) {
+  checkpoint_ = inputCount_ + ratioCheckInterval;
+  std::int64_t now = 0;
+  if (inputCount_ < 8388608) {
+    now = (inputCount_ << 8) / outputCount_;
+  } else {
+    const std::int64_t divisor = outputCount_ >> 8;
+    now = divisor == 0 ? 0x7FFFFFFF : inputCount_ / divisor;
+  }
+  if (now > ratio_) {
+    ratio_ = now;
+    return;
+  }
+  ratio_ = 0;
+  std::fill_n(hashCodes_.get(), hashSize, vacant);
+  freeCode_ = ioLzwFirstFreeCode;
+  clearPending_ = true;
+  emitCode(target, ioLzwClearCode);
+}
+
+inline void ioLzwWriter::emitCode(ioBuffer& target, int code) {
+  codes_[pendingCodes_++] = static_cast<std::uint16_t>(code);
+  if (pendingCodes_ == 8) writeGroup(target);
+  if (freeCode_ <= maxCode_ && !clearPending_) return;
+  if (pendingCodes_ > 0) writeGroup(target);
+  codeBits_ = clearPending_ ? ioLzwFirstBits : codeBits_ + 1;
+  maxCode_ = ioLzwMaxCode(codeBits_);
+  clearPending_ = false;
+}
+
+/// Packs the pending codes over the start of the last group, whose other bytes stay.
+void ioLzwWriter::packCodes() noexcept {
+  unsigned char* byte = codeGroup_;
+  std::uint64_t bits = 0;
+  int held = 0;
+  for (int i = 0; i < pendingCodes_; ++i) {
+    bits |= static_cast<std::uint64_t>(codes_[i]) << held;
+    for (held += codeBits_; held >= 8; held -= 8, bits >>= 8) *byte++ = static_cast<unsigned char>(bits);
+  }
+  if (held > 0) *byte = static_cast<unsigned char>(bits);
+}
+
+void ioLzwWriter::writeGroup(ioBuffer& target) {
+  packCodes();
+  pendingCodes_ = 0;
+  outputCount_ += codeBits_;
+  target.writeBytes(codeGroup_, codeBits_);
+}
+
+void ioLzwWriter::end(ioBuffer& target) {
+  emitCode(target, currentCode_);
+  emitCode(target, ioLzwEndCode);
+  if (pendingCodes_ > 0) writeGroup(target);
+}
