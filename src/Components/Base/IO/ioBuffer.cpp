@@ -29,7 +29,8 @@ unsigned char* ioBuffer::room() {
 }
 
 void ioBuffer::countBytes(int count) {
-  totalBytes_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(totalBytes_) + static_cast<std::uint32_t>(count));
+  totalBytes_ =
+      static_cast<std::int32_t>(static_cast<std::uint32_t>(totalBytes_) + static_cast<std::uint32_t>(count));
 }
 
 void ioBuffer::fillBuffer() {

@@ -32,8 +32,8 @@ int ioBufferChecksum::readRaw(void* destination, int count) {
   auto* bytes = static_cast<unsigned char*>(destination);
   if (blockPosition_ < blockBytes_) return serveBlock(bytes, count);
   const int got = readBlock(bytes, count);
-  // What ended below decides where nothing came, so that a clean end is no damage. A stream that was cut before
-  // a block's first data byte ends in the same way.
+  // What ended below decides where nothing came, so that a clean end is no damage. A stream that was cut
+  // before a block's first data byte ends in the same way.
   if (got == 0 && nextLink() && !nextLink()->good()) inheritStatus(true);
   return got;
 }

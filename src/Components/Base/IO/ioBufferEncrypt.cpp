@@ -149,7 +149,8 @@ bool ioBufferEncrypt::readBlock() {
   unsigned char* const block = blockRoom(length);
   if (readNext(block, length + tagSize) < length + tagSize) return false;
   const auto covered = coveredHeader();
-  if (!cipher::open(block, size, covered.data(), covered.size(), key_.data(), blockNonce().data(), block + size))
+  if (!cipher::open(block, size, covered.data(), covered.size(), key_.data(), blockNonce().data(),
+                    block + size))
     return false;
   ++sequence_;
   blockBytes_ = length;

@@ -1,8 +1,8 @@
 #include "Base/IO/ioBufferFD.h"
 
 #include "Base/OS/qvOSNativePath.h"
-#include "Base/Platform/qvPlatformDescriptor.h"
 #include "Base/Platform/qvPlatformError.h"
+#include "Base/Platform/qvPlatformTransfer.h"
 #include "Base/String/qvStringCString.h"
 
 ioBufferFD::ioBufferFD(bool forReading) : ioBuffer(forReading, fileBufferSize) {}

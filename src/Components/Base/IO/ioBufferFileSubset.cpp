@@ -11,8 +11,10 @@ namespace {
 
 /// The greatest position there is where the sum passes it.
 std::int64_t saturatedSum(std::int64_t a, std::int64_t b) {
-  if (b > 0 && a > std::numeric_limits<std::int64_t>::max() - b) return std::numeric_limits<std::int64_t>::max();
-  if (b < 0 && a < std::numeric_limits<std::int64_t>::min() - b) return std::numeric_limits<std::int64_t>::min();
+  if (b > 0 && a > std::numeric_limits<std::int64_t>::max() - b)
+    return std::numeric_limits<std::int64_t>::max();
+  if (b < 0 && a < std::numeric_limits<std::int64_t>::min() - b)
+    return std::numeric_limits<std::int64_t>::min();
   return a + b;
 }
 
@@ -46,7 +48,8 @@ bool ioBufferFileSubset::seekLink(std::int64_t position) {
 }
 
 std::int64_t ioBufferFileSubset::tellLink() {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(file_.tellLink()) - static_cast<std::uint64_t>(sliceStart_));
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(file_.tellLink()) -
+                                   static_cast<std::uint64_t>(sliceStart_));
 }
 
 int ioBufferFileSubset::readRaw(void* destination, int count) {

@@ -51,7 +51,8 @@ void ioBufferedStreamInput::openIOStream(qvOS::IOStream* stream) {
   openChain(link, ioStreamOK);
 }
 
-void ioBufferedStreamInput::openFileSlice(const qvString::IString& name, std::int64_t start, std::int64_t size) {
+void ioBufferedStreamInput::openFileSlice(const qvString::IString& name, std::int64_t start,
+                                          std::int64_t size) {
   auto* const link = new ioBufferFileSubset;
   link->openSlice(name, start, size);
   openChain(link, ioStreamAtEnd);

@@ -53,7 +53,8 @@ void makeKeyStream(const State& state, unsigned char* stream) noexcept {
   for (int j = 0; j < lanes; ++j) x[12].lane[j] += static_cast<std::uint32_t>(j);
   for (int round = 0; round < 10; ++round) {
     for (int i = 0; i < 4; ++i) quarterRound(x[i], x[4 + i], x[8 + i], x[12 + i]);
-    for (int i = 0; i < 4; ++i) quarterRound(x[i], x[4 + (i + 1) % 4], x[8 + (i + 2) % 4], x[12 + (i + 3) % 4]);
+    for (int i = 0; i < 4; ++i)
+      quarterRound(x[i], x[4 + (i + 1) % 4], x[8 + (i + 2) % 4], x[12 + (i + 3) % 4]);
   }
   for (int j = 0; j < lanes; ++j)
     for (int i = 0; i < 16; ++i) {
@@ -138,11 +139,10 @@ private:
     const std::uint64_t r0 = r_[0], r1 = r_[1], r2 = r_[2], r3 = r_[3], r4 = r_[4];
     // Limbs above 2^130 come back multiplied by 5.
     const std::uint64_t s1 = r1 * 5, s2 = r2 * 5, s3 = r3 * 5, s4 = r4 * 5;
-    std::uint64_t d[5] = {h0 * r0 + h1 * s4 + h2 * s3 + h3 * s2 + h4 * s1,
-                          h0 * r1 + h1 * r0 + h2 * s4 + h3 * s3 + h4 * s2,
-                          h0 * r2 + h1 * r1 + h2 * r0 + h3 * s4 + h4 * s3,
-                          h0 * r3 + h1 * r2 + h2 * r1 + h3 * r0 + h4 * s4,
-                          h0 * r4 + h1 * r3 + h2 * r2 + h3 * r1 + h4 * r0};
+    std::uint64_t d[5] = {
+        h0 * r0 + h1 * s4 + h2 * s3 + h3 * s2 + h4 * s1, h0 * r1 + h1 * r0 + h2 * s4 + h3 * s3 + h4 * s2,
+        h0 * r2 + h1 * r1 + h2 * r0 + h3 * s4 + h4 * s3, h0 * r3 + h1 * r2 + h2 * r1 + h3 * r0 + h4 * s4,
+        h0 * r4 + h1 * r3 + h2 * r2 + h3 * r1 + h4 * r0};
     std::uint64_t over = 0;
     for (int i = 0; i < 5; ++i) {
       d[i] += over;
@@ -160,8 +160,9 @@ private:
 };
 
 /// The tag of the construction: over the extra bytes, the encrypted data and both lengths.
-void authenticate(const unsigned char* data, std::size_t size, const unsigned char* extra, std::size_t extraSize,
-                  const unsigned char* key, const unsigned char* nonce, unsigned char* tag) noexcept {
+void authenticate(const unsigned char* data, std::size_t size, const unsigned char* extra,
+                  std::size_t extraSize, const unsigned char* key, const unsigned char* nonce,
+                  unsigned char* tag) noexcept {
   unsigned char oneTimeKey[blockSize] = {};
   chacha20(oneTimeKey, sizeof oneTimeKey, key, nonce, 0);
   Authenticator authenticator(oneTimeKey);

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// The sum of `size` bytes as 16-bit words, without folding. 2^16 is 1 modulo 65535, so the words may be taken
-/// two and four at a time.
+/// The sum of `size` bytes as 16-bit words, without folding. 2^16 is 1 modulo 65535, so the words may be
+/// taken two and four at a time.
 std::uint64_t wordSum(const unsigned char* bytes, std::size_t size) noexcept {
   std::uint64_t lanes[4] = {};
   for (; size >= 32; size -= 32, bytes += 32) {

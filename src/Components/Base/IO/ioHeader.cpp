@@ -34,7 +34,8 @@ bool ioHeader::readHeader(ioBufferedStreamInput& stream) {
   if (!isPortable && isBinary) valid = false;
 
   // What stands before the "@" belongs to later versions. There is no test for the end of the data.
-  while (stream.readChar() != '@') {}
+  while (stream.readChar() != '@') {
+  }
   stream.readChar();
 
   const bool sizesMatch = sizes[0] == 1 && sizes[1] == 2 && sizes[2] == 4 && sizes[3] == 8 &&

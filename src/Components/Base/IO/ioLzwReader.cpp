@@ -72,7 +72,8 @@ int ioLzwReader::readCode(ioBuffer& source) {
   return lastCode_;
 }
 
-/// Reads a code and obeys a clear code. The code after that one is taken for a string, even a second clear code.
+/// Reads a code and obeys a clear code. The code after that one is taken for a string, even a second clear
+/// code.
 int ioLzwReader::readStringCode(ioBuffer& source) {
   const int code = readCode(source);
   if (code != ioLzwClearCode) return code;
@@ -112,7 +113,8 @@ inline void ioLzwReader::unpackCodes(const unsigned char* group) noexcept {
 // ---- Strings -------------------------------------------------------------------------------------------
 
 /// The string of `entry`, whose code is `code`, with one more byte.
-inline ioLzwReader::Entry ioLzwReader::extended(const Entry& entry, std::uint16_t code, unsigned char last) noexcept {
+inline ioLzwReader::Entry ioLzwReader::extended(const Entry& entry, std::uint16_t code,
+                                                unsigned char last) noexcept {
   const int inTail = entry.length & 7;
   const std::uint64_t byte = static_cast<std::uint64_t>(last) << (8 * inTail);
   return {(inTail ? entry.tail : 0) | byte, entry.length + 1, inTail ? entry.link : code, code};
@@ -130,9 +132,9 @@ inline unsigned char ioLzwReader::expand(const Entry* table, Entry entry, unsign
   return static_cast<unsigned char>(entry.tail);
 }
 
-/// Expands string after string straight to where they belong. Stops before a code that needs care (the one that
-/// is to be defined next, a clear or end code, the first code of another width) and before a string that might
-/// not fit.
+/// Expands string after string straight to where they belong. Stops before a code that needs care (the one
+/// that is to be defined next, a clear or end code, the first code of another width) and before a string that
+/// might not fit.
 unsigned char* ioLzwReader::expandRun(ioBuffer& source, unsigned char* to, const unsigned char* end) {
   Entry* const table = table_.get();
   Entry old = table[oldCode_];
@@ -189,8 +191,8 @@ int ioLzwReader::deliverHeld(unsigned char* destination, int room) noexcept {
 
 // ---- Streams that no writer makes ----------------------------------------------------------------------
 
-/// From here on strings are followed from code to code when they are expanded. A code that was named before it
-/// is defined stands for whatever its slot holds at that moment: bytes of 0 in a slot never used, and the
+/// From here on strings are followed from code to code when they are expanded. A code that was named before
+/// it is defined stands for whatever its slot holds at that moment: bytes of 0 in a slot never used, and the
 /// definition from before the last clear code in others.
 void ioLzwReader::turnWild() {
   wild_ = true;

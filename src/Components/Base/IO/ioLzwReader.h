@@ -8,8 +8,8 @@
 
 class ioBuffer;
 
-/// Expands codes into bytes. What it delivers is fixed byte by byte, for streams that name codes before they are
-/// defined as well; only a string without end is damage.
+/// Expands codes into bytes. What it delivers is fixed byte by byte, for streams that name codes before they
+/// are defined as well; only a string without end is damage.
 class ioLzwReader {
 public:
   ioLzwReader();
@@ -24,8 +24,8 @@ public:
 
 private:
   /// A string of the table. Its last 1 to 8 bytes stand in `tail`, the first of them in the lowest bits, and
-  /// `link` is the code of what comes before them, whose length is a multiple of 8: so a string is expanded from
-  /// its end in steps of 8 bytes. `prefix` is the code of the string without its last byte.
+  /// `link` is the code of what comes before them, whose length is a multiple of 8: so a string is expanded
+  /// from its end in steps of 8 bytes. `prefix` is the code of the string without its last byte.
   struct Entry {
     std::uint64_t tail;
     std::int32_t length;

@@ -13,8 +13,8 @@ void ioLzwWriter::start(ioBuffer& target, unsigned char first) {
   started_ = true;
 }
 
-/// The slot that holds `key`, or else the one where it belongs. A search that has left its first slot stops at
-/// key 0 as it stops at a vacant slot, and what belongs there replaces it: output depends on this.
+/// The slot that holds `key`, or else the one where it belongs. A search that has left its first slot stops
+/// at key 0 as it stops at a vacant slot, and what belongs there replaces it: output depends on this.
 inline int ioLzwWriter::findSlot(std::uint32_t key) const noexcept {
   int i = static_cast<int>((key >> 16) << 8 ^ (key & 0xFFFFU));
   Slot slot = hashCodes_[i];

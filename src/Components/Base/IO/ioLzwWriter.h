@@ -19,8 +19,8 @@ public:
 
 private:
   /// A slot of the table: the key in bits 16 to 39 (the byte, then the code of the string before it) and the
-  /// code that the two have together in bits 0 to 15. `vacant` where it is free. Key and code are one word, so
-  /// that a look-up touches one cache line.
+  /// code that the two have together in bits 0 to 15. `vacant` where it is free. Key and code are one word,
+  /// so that a look-up touches one cache line.
   using Slot = std::uint64_t;
   static constexpr Slot vacant = ~Slot{0};
   static constexpr int hashSize = 69001;

@@ -11,7 +11,9 @@ inline int ioReadTransport(qvOS::IOStream& stream, void* destination, int count,
   std::uint64_t got = 0;
   try {
     error = stream.read(destination, static_cast<std::uint64_t>(count), &got);
-  } catch (const qvUtil::Error& thrown) { error = thrown; }
+  } catch (const qvUtil::Error& thrown) {
+    error = thrown;
+  }
   return static_cast<int>(std::min(got, static_cast<std::uint64_t>(count)));
 }
 
@@ -19,6 +21,8 @@ inline int ioReadTransport(qvOS::IOStream& stream, void* destination, int count,
 inline bool ioWriteTransport(qvOS::IOStream& stream, const void* source, int count, qvUtil::Error& error) {
   try {
     error = stream.write(source, static_cast<std::uint64_t>(count), nullptr);
-  } catch (const qvUtil::Error& thrown) { error = thrown; }
+  } catch (const qvUtil::Error& thrown) {
+    error = thrown;
+  }
   return !error;
 }

@@ -17,6 +17,7 @@ namespace {
 constexpr std::size_t largestTransfer = std::size_t(1) << 30;
 
 constexpr mode_t newFilePermissions = 0666;
+constexpr mode_t privateFilePermissions = 0600;
 
 int systemFlags(unsigned flags) {
   int result = O_CLOEXEC | O_NOCTTY;
@@ -72,9 +73,9 @@ int openDescriptor(const char* path, int flags, unsigned permissions, int* descr
 }
 
 int openFile(const char* path, unsigned flags, FileHandle* file) noexcept {
+  const unsigned permissions = flags & openPrivate ? privateFilePermissions : newFilePermissions;
   int descriptor = -1;
-  if (const int error = openDescriptor(path, systemFlags(flags), newFilePermissions, &descriptor))
-    return error;
+  if (const int error = openDescriptor(path, systemFlags(flags), permissions, &descriptor)) return error;
   if (isDirectory(descriptor)) {
     ::close(descriptor);
     return EISDIR;

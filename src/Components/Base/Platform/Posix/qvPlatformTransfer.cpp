@@ -1,5 +1,6 @@
-#include "Base/Platform/qvPlatformDescriptor.h"
+#include "Base/Platform/qvPlatformTransfer.h"
 
+#include "Base/Platform/Posix/qvPlatformDescriptor.h"
 #include "Base/Platform/qvPlatformError.h"
 
 #include <poll.h>
@@ -10,7 +11,8 @@ namespace {
 
 /// Repeats `transfer` as long as the descriptor has nothing for it.
 template <class Transfer>
-int transferSome(const char* name, int descriptor, short event, Transfer transfer, std::size_t* count) noexcept {
+int transferSome(const char* name, int descriptor, short event, Transfer transfer,
+                 std::size_t* count) noexcept {
   for (;;) {
     ssize_t done = 0;
     const int error = retryCall(name, transfer, done);
@@ -26,13 +28,15 @@ int transferSome(const char* name, int descriptor, short event, Transfer transfe
 FileHandle fileOfDescriptor(int descriptor) noexcept { return descriptor; }
 
 int readSome(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept {
-  const int descriptor = static_cast<int>(file);
-  return transferSome("read", descriptor, POLLIN, [=] { return read(descriptor, buffer, size); }, count);
+  const int descriptor = descriptorOf(file);
+  return transferSome(
+      "read", descriptor, POLLIN, [=] { return read(descriptor, buffer, size); }, count);
 }
 
 int writeSome(FileHandle file, const void* buffer, std::size_t size, std::size_t* count) noexcept {
-  const int descriptor = static_cast<int>(file);
-  return transferSome("write", descriptor, POLLOUT, [=] { return write(descriptor, buffer, size); }, count);
+  const int descriptor = descriptorOf(file);
+  return transferSome(
+      "write", descriptor, POLLOUT, [=] { return write(descriptor, buffer, size); }, count);
 }
 
 } // namespace qvPlatform

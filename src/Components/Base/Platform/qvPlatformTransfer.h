@@ -18,6 +18,7 @@ namespace qvPlatform {
 [[nodiscard]] int readSome(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept;
 
 /// Writes as much as goes at once, at least one byte [write]. Result and repetition as for `readSome`.
-[[nodiscard]] int writeSome(FileHandle file, const void* buffer, std::size_t size, std::size_t* count) noexcept;
+[[nodiscard]] int writeSome(FileHandle file, const void* buffer, std::size_t size,
+                            std::size_t* count) noexcept;
 
 } // namespace qvPlatform
