@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -21,18 +22,22 @@ public:
   PlatformScript(const PlatformScript&) = delete;
   PlatformScript& operator=(const PlatformScript&) = delete;
 
+  /// The script that is running.
+  [[nodiscard]] static PlatformScript& running() { return *current(); }
+
   /// The call with index `n` from now on, among those called `name` or among all for null, fails with `error`
-  /// instead of reaching the system; `times` of them in a row do. Replaces what was asked for before.
-  void failCall(int n, int error, const char* name = nullptr, int times = 1) {
+  /// instead of reaching the system; `times` of them in a row do. Adds a rule to those that are there.
+  /// @return the rule's number.
+  int failCall(int n, int error, const char* name = nullptr, int times = 1) {
     const std::lock_guard lock(mutex_);
-    name_ = name ? name : "";
-    first_ = n;
-    times_ = times;
-    error_ = error;
-    seen_ = failures_ = 0;
+    rules_.push_back({name ? name : "", n, times, error, 0});
+    return static_cast<int>(rules_.size()) - 1;
   }
-  /// How many calls were made to fail since the last `failCall`.
-  [[nodiscard]] int failures() const { return locked(failures_); }
+  /// How many calls that rule made to fail.
+  [[nodiscard]] int failures(int rule = 0) const {
+    const std::lock_guard lock(mutex_);
+    return rules_.empty() ? 0 : rules_.at(static_cast<std::size_t>(rule)).failures;
+  }
   /// The names of all calls so far, in order.
   [[nodiscard]] std::vector<std::string> calls() const { return locked(calls_); }
   /// How many calls of that name came, or of all for null.
@@ -47,6 +52,14 @@ public:
   }
 
 private:
+  struct Rule {
+    std::string name;
+    std::int64_t skip;
+    std::int64_t times;
+    int error;
+    int failures;
+  };
+
   static void install(PlatformScript* script) {
     current() = script;
     qvPlatform::callHook = script ? &hook : nullptr;
@@ -60,11 +73,14 @@ private:
   int announced(const char* name) {
     const std::lock_guard lock(mutex_);
     calls_.emplace_back(name);
-    if (!error_ || (!name_.empty() && name_ != name)) return 0;
-    const int index = seen_++;
-    if (index < first_ || index - first_ >= times_) return 0;
-    ++failures_;
-    return error_;
+    int error = 0;
+    for (Rule& rule : rules_) {
+      if (!rule.name.empty() && rule.name != name) continue;
+      if (rule.skip-- > 0 || rule.times-- <= 0 || error) continue;
+      error = rule.error;
+      ++rule.failures;
+    }
+    return error;
   }
 
   template <class T>
@@ -75,12 +91,7 @@ private:
 
   mutable std::mutex mutex_;
   std::vector<std::string> calls_;
-  std::string name_;
-  int first_ = 0;
-  int times_ = 0;
-  int error_ = 0;
-  int seen_ = 0;
-  int failures_ = 0;
+  std::vector<Rule> rules_;
 };
 
 /// Runs `operation` with its call 0, 1, 2 and so on failing with `error`, until a run in which nothing failed

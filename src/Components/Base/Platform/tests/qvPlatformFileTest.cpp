@@ -1,0 +1,417 @@
+#include "Base/Platform/qvPlatformFile.h"
+
+#include "Base/Platform/qvPlatformError.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+
+using namespace qvPlatform;
+
+namespace {
+
+std::string bytes(std::size_t size) {
+  std::string result(size, '\0');
+  for (std::size_t i = 0; i < size; ++i) result[i] = static_cast<char>(i * 31 + i / 251);
+  return result;
+}
+
+std::string link(const std::string& target, const std::string& path) {
+  EXPECT_EQ(::symlink(target.c_str(), path.c_str()), 0);
+  return path;
+}
+
+int openDescriptors() {
+  return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+FileInfo infoOf(const std::string& path) {
+  FileInfo info;
+  EXPECT_EQ(queryFile(path.c_str(), &info), 0) << path;
+  return info;
+}
+
+} // namespace
+
+TEST(PlatformFile, ReadsAndWritesThroughAHandle) {
+  const qvTest::Directory directory;
+  const std::string path = directory.path("data");
+  FileHandle file = noFile;
+  EXPECT_EQ(errorKind(openFile(path.c_str(), openRead, &file)), ErrorKind::notFound);
+  ASSERT_EQ(openFile(path.c_str(), openRead | openWrite | openCreate | openExclusive, &file), 0);
+  std::size_t count = 0;
+  EXPECT_EQ(writeFile(file, "0123456789", 10, &count), 0);
+  EXPECT_EQ(count, 10u);
+  std::int64_t position = 0;
+  EXPECT_EQ(seekFile(file, -3, SeekFrom::end, &position), 0);
+  EXPECT_EQ(position, 7);
+  char buffer[8] = {};
+  EXPECT_EQ(readFile(file, buffer, sizeof buffer, &count), 0);
+  EXPECT_EQ(std::string(buffer, count), "789");
+  EXPECT_EQ(readFile(file, buffer, sizeof buffer, &count), 0);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(truncateFile(file, 4), 0);
+  EXPECT_EQ(syncFile(file), 0);
+  EXPECT_EQ(closeFile(file), 0);
+  EXPECT_EQ(directory.read("data"), "0123");
+  EXPECT_EQ(errorKind(openFile(path.c_str(), openWrite | openCreate | openExclusive, &file)),
+            ErrorKind::exists);
+  EXPECT_EQ(syncDirectory(directory.path().c_str()), 0);
+}
+
+TEST(PlatformFile, OpensNoDirectoryAsAFile) {
+  const qvTest::Directory directory;
+  const int before = openDescriptors();
+  FileHandle file = noFile;
+  for (const unsigned flags : {unsigned(openRead), openRead | openWrite})
+    EXPECT_EQ(errorKind(openFile(directory.path().c_str(), flags, &file)), ErrorKind::isDirectory);
+  EXPECT_EQ(errorKind(openFile("", openRead, &file)), ErrorKind::notFound);
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(PlatformFile, StaysClearOfTheStandardStreams) {
+  const qvTest::Directory directory;
+  const std::string path = directory.write("data", "x");
+  const int kept = ::dup(STDIN_FILENO);
+  ::close(STDIN_FILENO);
+  FileHandle file = noFile;
+  const int error = openFile(path.c_str(), openRead, &file);
+  ::dup2(kept, STDIN_FILENO);
+  ::close(kept);
+  ASSERT_EQ(error, 0);
+  EXPECT_GT(file, STDERR_FILENO);
+  EXPECT_TRUE(::fcntl(static_cast<int>(file), F_GETFD) & FD_CLOEXEC);
+  closeFile(file);
+}
+
+TEST(PlatformFile, GoesOnAfterAnInterruption) {
+  const qvTest::Directory directory;
+  const std::string path = directory.path("data");
+  qvTest::PlatformScript script;
+  for (const char* name : {"open", "write", "read", "close"}) script.failCall(0, EINTR, name, 3);
+  std::FILE* stream = nullptr;
+  ASSERT_EQ(openStream(path.c_str(), "w+b", &stream), 0);
+  EXPECT_EQ(writeStream(stream, "abc", 3, nullptr), 0);
+  EXPECT_EQ(seekStream(stream, 0, SeekFrom::start, nullptr), 0);
+  char buffer[3];
+  std::size_t count = 0;
+  EXPECT_EQ(readStream(stream, buffer, 3, &count, nullptr), 0);
+  EXPECT_EQ(std::string(buffer, count), "abc");
+  closeStream(stream);
+  EXPECT_EQ(script.count("write"), 4);
+  EXPECT_EQ(script.count("read"), 4);
+}
+
+TEST(PlatformFile, OpensStreamsByMode) {
+  const struct {
+    int line;
+    const char* mode;
+    ErrorKind missing, present;
+    const char* after; ///< The content "old" after "N" was written.
+  } rows[] = {
+      {__LINE__, "rb", ErrorKind::notFound, ErrorKind::none, "old"},
+      {__LINE__, "r+b", ErrorKind::notFound, ErrorKind::none, "Nld"},
+      {__LINE__, "w", ErrorKind::none, ErrorKind::none, "N"},
+      {__LINE__, "wbx", ErrorKind::none, ErrorKind::exists, "old"},
+      {__LINE__, "a+b", ErrorKind::none, ErrorKind::none, "oldN"},
+      {__LINE__, "", ErrorKind::invalid, ErrorKind::invalid, "old"},
+      {__LINE__, "q", ErrorKind::invalid, ErrorKind::invalid, "old"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const qvTest::Directory directory;
+    const std::string present = directory.write("present", "old");
+    std::FILE* stream = nullptr;
+    int error = openStream(directory.path("missing").c_str(), row.mode, &stream);
+    EXPECT_EQ(errorKind(error), row.missing);
+    if (!error) closeStream(stream);
+    error = openStream(present.c_str(), row.mode, &stream);
+    EXPECT_EQ(errorKind(error), row.present);
+    if (!error) {
+      (void)writeStream(stream, "N", 1, nullptr);
+      closeStream(stream);
+    }
+    EXPECT_EQ(directory.read("present"), row.after);
+  }
+}
+
+TEST(PlatformFile, TellsAFailedReadFromTheEnd) {
+  const qvTest::Directory directory;
+  const std::string path = directory.write("data", "12345");
+  std::FILE* stream = nullptr;
+  ASSERT_EQ(openStream(path.c_str(), "rb", &stream), 0);
+  char buffer[8];
+  std::size_t count = 9;
+  bool atEnd = true;
+  {
+    qvTest::PlatformScript script;
+    script.failCall(0, EIO, "read");
+    EXPECT_EQ(readStream(stream, buffer, 5, &count, &atEnd), EIO);
+  }
+  EXPECT_EQ(count, 0u);
+  EXPECT_FALSE(atEnd);
+  EXPECT_EQ(readStream(stream, buffer, 5, &count, &atEnd), 0);
+  EXPECT_EQ(count, 5u);
+  EXPECT_FALSE(atEnd);
+  EXPECT_EQ(readStream(stream, buffer, 1, &count, &atEnd), 0);
+  EXPECT_EQ(count, 0u);
+  EXPECT_TRUE(atEnd);
+  EXPECT_EQ(closeStream(stream), 0);
+}
+
+TEST(PlatformFile, ReportsBytesThatWereLostInTheBuffer) {
+  std::FILE* stream = nullptr;
+  if (openStream("/dev/full", "w", &stream)) GTEST_SKIP() << "no device that is always full";
+  EXPECT_EQ(writeStream(stream, "x", 1, nullptr), 0);
+  EXPECT_EQ(errorKind(closeStream(stream)), ErrorKind::noSpace);
+}
+
+TEST(PlatformFile, TellsWhatANameStandsFor) {
+  const qvTest::Directory directory;
+  const std::string file = directory.write("file", "12345");
+  const std::string toFile = link(file, directory.path("link"));
+  const std::string dangling = link("nowhere", directory.path("dangling"));
+  ASSERT_EQ(setPermissions(file.c_str(), 0640), 0);
+  ASSERT_EQ(setModified(file.c_str(), 1234567890, 500), 0);
+  const FileInfo info = infoOf(file);
+  EXPECT_EQ(info.kind, FileKind::file);
+  EXPECT_EQ(info.size, 5);
+  EXPECT_EQ(info.permissions, 0640u);
+  EXPECT_EQ(info.modified, 1234567890);
+  EXPECT_GT(info.changed, info.modified);
+  EXPECT_TRUE(infoOf(toFile).isSameFile(info));
+  EXPECT_FALSE(infoOf(directory.path()).isSameFile(info));
+  EXPECT_EQ(infoOf(directory.path()).kind, FileKind::directory);
+  FileInfo other;
+  EXPECT_EQ(queryLink(dangling.c_str(), &other), 0);
+  EXPECT_EQ(other.kind, FileKind::link);
+  EXPECT_TRUE(isNotFound(queryFile(dangling.c_str(), &other)));
+  EXPECT_TRUE(isNotFound(queryFile((file + "/below").c_str(), &other)));
+  EXPECT_EQ(checkAccess(file.c_str(), accessRead | accessWrite), 0);
+  EXPECT_EQ(errorKind(checkAccess(file.c_str(), accessExecute)), ErrorKind::denied);
+  AccountName owner, group;
+  EXPECT_EQ(queryOwner(file.c_str(), &owner), 0);
+  EXPECT_EQ(queryGroup(file.c_str(), &group), 0);
+  EXPECT_FALSE(owner.account.empty() || owner.domain.empty() || group.account.empty());
+  EXPECT_EQ(errorKind(queryOwner(dangling.c_str(), &owner)), ErrorKind::notFound);
+}
+
+TEST(PlatformFile, RenamesWithoutReplacing) {
+  const struct {
+    int line;
+    const char* source;
+    const char* target;
+    ErrorKind result;
+  } rows[] = {
+      {__LINE__, "file", "new", ErrorKind::none},
+      {__LINE__, "file", "other", ErrorKind::exists},
+      {__LINE__, "file", "dangling", ErrorKind::exists},
+      {__LINE__, "file", "empty", ErrorKind::exists},
+      {__LINE__, "file", "file", ErrorKind::none},
+      {__LINE__, "file", "nowhere/new", ErrorKind::notFound},
+      {__LINE__, "missing", "new", ErrorKind::notFound},
+      {__LINE__, "missing", "missing", ErrorKind::notFound},
+      {__LINE__, "dangling", "new", ErrorKind::none},
+      {__LINE__, "full", "new", ErrorKind::none},
+      {__LINE__, "full", "empty", ErrorKind::exists},
+      {__LINE__, "full", "other", ErrorKind::exists},
+      {__LINE__, "full", "full/inside", ErrorKind::invalid},
+  };
+  // The system's own form, then the form by a second name, then that by reserving the name.
+  for (const int lacking : {0, 1, 2})
+    for (const auto& row : rows) {
+      SCOPED_TRACE(testing::Message() << "line " << row.line << ", lacking " << lacking);
+      const qvTest::Directory directory;
+      directory.write("file", "content");
+      directory.write("other", "precious");
+      link("nowhere", directory.path("dangling"));
+      std::filesystem::create_directory(directory.path("empty"));
+      std::filesystem::create_directory(directory.path("full"));
+      directory.write("full/entry", "entry");
+      const int entries = directory.entries();
+      const std::string from = directory.path(row.source), to = directory.path(row.target);
+      const auto kind = std::filesystem::symlink_status(from).type();
+      int error = 0;
+      {
+        qvTest::PlatformScript script;
+        if (lacking > 0) script.failCall(0, EINVAL, "rename");
+        if (lacking > 1) script.failCall(0, EPERM, "link");
+        error = renameFile(from.c_str(), to.c_str());
+      }
+      EXPECT_EQ(errorKind(error), row.result) << systemErrorText(error);
+      EXPECT_EQ(directory.entries(), entries);
+      EXPECT_EQ(directory.read("other"), "precious");
+      EXPECT_EQ(std::filesystem::symlink_status(error ? from : to).type(), kind);
+      EXPECT_EQ(directory.exists(row.source), error ? kind != std::filesystem::file_type::not_found : from == to);
+    }
+}
+
+TEST(PlatformFile, LosesNothingWhereARenameFails) {
+  const qvTest::Directory directory;
+  const std::string from = directory.path("from"), to = directory.path("to");
+  for (const int lacking : {1, 2}) {
+    int error = 0;
+    const int failed = qvTest::failEveryCall(
+        EIO, nullptr,
+        [&] {
+          std::filesystem::remove(to);
+          directory.write("from", "content");
+        },
+        [&] {
+          // The rule that is there already goes first, so a call that it fails is not failed twice.
+          auto& script = qvTest::PlatformScript::running();
+          script.failCall(0, EINVAL, "rename");
+          if (lacking > 1) script.failCall(0, EPERM, "link");
+          error = renameFile(from.c_str(), to.c_str());
+        },
+        [&] { EXPECT_EQ(directory.read(error ? "from" : "to"), "content"); });
+    EXPECT_GT(failed, 2);
+  }
+}
+
+TEST(PlatformFile, CopiesBytesPermissionsAndTime) {
+  const qvTest::Directory directory;
+  for (const std::size_t size : {0, 1, 65536, 200001})
+    for (const bool inside : {true, false}) {
+      SCOPED_TRACE(testing::Message() << size << " bytes, inside the system: " << inside);
+      const std::string from = directory.write("from", bytes(size)), to = directory.path("to");
+      ASSERT_EQ(setPermissions(from.c_str(), 0467), 0);
+      ASSERT_EQ(setModified(from.c_str(), 1000000000, 123456789), 0);
+      qvTest::PlatformScript script;
+      if (!inside) script.failCall(0, EOPNOTSUPP, "clone");
+      if (!inside) script.failCall(0, EOPNOTSUPP, "copy");
+      EXPECT_EQ(copyFile(from.c_str(), to.c_str(), false), 0);
+      EXPECT_EQ(directory.read("to"), bytes(size));
+      EXPECT_EQ(infoOf(to).permissions, 0467u);
+      EXPECT_EQ(infoOf(to).modified, 1000000000);
+      EXPECT_EQ(infoOf(to).modifiedNanoseconds, 123456789);
+      std::filesystem::remove(from);
+      std::filesystem::remove(to);
+    }
+}
+
+TEST(PlatformFile, CopiesOverATargetOnlyOnDemand) {
+  const qvTest::Directory directory;
+  const std::string from = directory.write("from", "short");
+  const std::string to = directory.write("to", "much longer than the source");
+  const std::string dangling = link(directory.path("aim"), directory.path("dangling"));
+  ASSERT_EQ(setModified(to.c_str(), 5, 0), 0);
+  const FileInfo before = infoOf(to);
+  EXPECT_EQ(errorKind(copyFile(from.c_str(), to.c_str(), false)), ErrorKind::exists);
+  EXPECT_EQ(errorKind(copyFile(from.c_str(), dangling.c_str(), false)), ErrorKind::exists);
+  EXPECT_EQ(infoOf(to).changed, before.changed);
+  EXPECT_EQ(infoOf(to).modified, 5);
+  EXPECT_EQ(copyFile(from.c_str(), to.c_str(), true), 0);
+  EXPECT_EQ(directory.read("to"), "short");
+  EXPECT_TRUE(infoOf(to).isSameFile(before));
+  EXPECT_EQ(copyFile(from.c_str(), dangling.c_str(), true), 0);
+  EXPECT_EQ(directory.read("aim"), "short");
+
+  for (const bool overwrite : {false, true}) EXPECT_NE(copyFile(from.c_str(), from.c_str(), overwrite), 0);
+  EXPECT_EQ(directory.read("from"), "short");
+  EXPECT_EQ(errorKind(copyFile(directory.path("no").c_str(), to.c_str(), true)), ErrorKind::notFound);
+  EXPECT_EQ(errorKind(copyFile(directory.path().c_str(), to.c_str(), true)), ErrorKind::isDirectory);
+  EXPECT_EQ(errorKind(copyFile(from.c_str(), directory.path().c_str(), true)), ErrorKind::isDirectory);
+  EXPECT_EQ(directory.read("to"), "short");
+}
+
+TEST(PlatformFile, KeepsTheOldTargetWhereTheSpaceDoesNotSuffice) {
+  const qvTest::Directory directory;
+  const std::string from = directory.write("from", bytes(100000)), to = directory.write("to", "precious");
+  qvTest::PlatformScript script;
+  script.failCall(0, EOPNOTSUPP, "clone");
+  script.failCall(0, ENOSPC, "reserve");
+  EXPECT_EQ(errorKind(copyFile(from.c_str(), to.c_str(), true)), ErrorKind::noSpace);
+  EXPECT_EQ(directory.read("to"), "precious");
+}
+
+TEST(PlatformFile, LeavesNoHalfCopy) {
+  const qvTest::Directory directory;
+  const std::string from = directory.write("from", bytes(200000)), to = directory.path("to");
+  const int descriptors = openDescriptors();
+  int error = 0;
+  const int failed = qvTest::failEveryCall(
+      EIO, nullptr, [&] { std::filesystem::remove(to); },
+      [&] { error = copyFile(from.c_str(), to.c_str(), false); },
+      [&] {
+        EXPECT_EQ(directory.read("to"), error ? "<missing>" : bytes(200000));
+        EXPECT_EQ(directory.read("from"), bytes(200000));
+        EXPECT_EQ(openDescriptors(), descriptors);
+      });
+  EXPECT_GT(failed, 8);
+}
+
+TEST(PlatformFile, GivesAttributesToAnotherFile) {
+  const qvTest::Directory directory;
+  const std::string from = directory.write("from", "a"), to = directory.write("to", "b");
+  ASSERT_EQ(setPermissions(from.c_str(), 0604), 0);
+  EXPECT_EQ(copyAttributes(from.c_str(), to.c_str()), 0);
+  EXPECT_EQ(infoOf(to).permissions, 0604u);
+  ASSERT_EQ(setPermissions(to.c_str(), 0600), 0);
+  qvTest::PlatformScript script;
+  script.failCall(0, EPERM, "attributes", 2); // Neither owner nor group may be given.
+  EXPECT_EQ(copyAttributes(from.c_str(), to.c_str()), 0);
+  EXPECT_EQ(infoOf(to).permissions, 0604u);
+}
+
+TEST(PlatformFile, WalksADirectory) {
+  const qvTest::Directory directory;
+  const std::set<std::string> names = {"plain",     "with blank", "back\\slash", "C:drive",
+                                       "new\nline", "\xC3\xA4",   "\xFF\xFE",    std::string(255, 'n')};
+  for (const std::string& name : names) directory.write(name, "");
+  std::filesystem::create_directory(directory.path("sub"));
+  link(directory.path("sub"), directory.path("to-sub"));
+  link("nowhere", directory.path("dangling"));
+  std::set<std::string> files, directories, links;
+  Directory walk;
+  ASSERT_EQ(walk.open(directory.path().c_str()), 0);
+  for (const char* name = ""; !walk.next(&name) && name;) {
+    if (walk.kind() == FileKind::file) files.insert(name);
+    if (walk.kind() == FileKind::link) links.insert(name);
+    if (walk.leadsToDirectory()) directories.insert(name);
+  }
+  directories.erase(".");
+  directories.erase("..");
+  EXPECT_EQ(files, names);
+  EXPECT_EQ(directories, (std::set<std::string>{"sub", "to-sub"}));
+  EXPECT_EQ(links, (std::set<std::string>{"to-sub", "dangling"}));
+  EXPECT_EQ(errorKind(walk.open(directory.path("plain").c_str())), ErrorKind::notDirectory);
+  EXPECT_EQ(errorKind(walk.open("")), ErrorKind::notFound);
+}
+
+TEST(PlatformFile, MakesAndRemovesNames) {
+  const qvTest::Directory directory;
+  const std::string sub = directory.path("sub"), longName = directory.path(std::string(300, 'n'));
+  EXPECT_EQ(makeDirectory(sub.c_str()), 0);
+  EXPECT_EQ(errorKind(makeDirectory(sub.c_str())), ErrorKind::exists);
+  EXPECT_EQ(errorKind(makeDirectory((sub + "/a/b").c_str())), ErrorKind::notFound);
+  EXPECT_EQ(errorKind(makeDirectory(longName.c_str())), ErrorKind::tooLong);
+  const std::string aim = directory.write("sub/entry", "x");
+  EXPECT_EQ(errorKind(removeDirectory(sub.c_str())), ErrorKind::notEmpty);
+  const std::string toAim = link(aim, directory.path("link"));
+  EXPECT_EQ(deleteFile(toAim.c_str()), 0);
+  EXPECT_EQ(directory.read("sub/entry"), "x");
+  EXPECT_EQ(deleteFile(aim.c_str()), 0);
+  EXPECT_NE(deleteFile(sub.c_str()), 0);
+  EXPECT_EQ(removeDirectory(sub.c_str()), 0);
+  EXPECT_EQ(directory.entries(), 0);
+}
+
+TEST(PlatformFile, KnowsTheVolume) {
+  const qvTest::Directory directory;
+  VolumeSpace space;
+  EXPECT_EQ(queryVolumeSpace(directory.path().c_str(), &space), 0);
+  EXPECT_GT(space.total, 0u);
+  EXPECT_LE(space.available, space.total);
+  bool remote = true;
+  EXPECT_EQ(queryRemote("/proc", &remote), 0);
+  EXPECT_FALSE(remote);
+  EXPECT_EQ(errorKind(queryRemote(directory.path("no").c_str(), &remote)), ErrorKind::notFound);
+}
