@@ -3,6 +3,7 @@
 // dynamic handle refers to it.
 #pragma once
 
+#include "Base/Containers/qvRelocatable.h"
 #include "Base/String/qvStringCString.h"
 #include "Base/String/qvStringIString.h"
 
@@ -102,3 +103,6 @@ QV_BASE_API void sharedStringThreading(void (*lock)(), void (*unlock)(), void (*
                                        int (*decrement)(int&)) noexcept;
 
 } // namespace qvString
+
+template <class T>
+inline constexpr bool qv::isRelocatable<qvString::DynamicString<T>> = true;
