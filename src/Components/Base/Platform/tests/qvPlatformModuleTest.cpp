@@ -1,0 +1,24 @@
+#include "Base/Platform/qvPlatformModule.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace {
+
+// Looked at while the program's own statics are built: the record must be there already.
+void* const seenEarly = qvPlatform::libraryModule();
+
+} // namespace
+
+TEST(PlatformModule, IsRecordedBeforeStaticsAreBuilt) {
+  EXPECT_NE(seenEarly, nullptr);
+  EXPECT_EQ(qvPlatform::libraryModule(), seenEarly);
+}
+
+TEST(PlatformModule, PathIsAbsoluteAndExists) {
+  const std::string path = qvPlatform::libraryPath();
+  ASSERT_FALSE(path.empty());
+  EXPECT_EQ(path[0], '/');
+  EXPECT_TRUE(std::ifstream(path).good());
+}
