@@ -46,8 +46,8 @@ template <class C>
 [[nodiscard]] inline std::size_t findChar(View<qv::WChar> text, qv::WChar c, std::size_t pos) noexcept {
   constexpr std::size_t block = 16;
   while (pos < text.size() && text.size() - pos >= block) {
-    unsigned int hits = 0;
-    for (std::size_t i = 0; i < block; ++i) hits |= static_cast<unsigned int>(text[pos + i] == c);
+    std::uint16_t hits = 0;
+    for (std::size_t i = 0; i < block; ++i) hits |= static_cast<std::uint16_t>(-(text[pos + i] == c));
     if (hits) break;
     pos += block;
   }
@@ -124,11 +124,20 @@ template <class C, class Lower>
   return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
 
+/// True if every character is below 128; eight bytes at a time.
 template <class C>
 [[nodiscard]] bool allAscii(View<C> text) noexcept {
-  unsigned int bits = 0;
-  for (const C c : text) bits |= static_cast<std::make_unsigned_t<C>>(c);
-  return bits < 128;
+  constexpr std::size_t block = 8 / sizeof(C);
+  constexpr std::uint64_t above = sizeof(C) == 1 ? 0x8080808080808080u : 0xFF80FF80FF80FF80u;
+  std::uint64_t bits = 0;
+  std::size_t pos = 0;
+  for (; text.size() - pos >= block; pos += block) {
+    std::uint64_t word;
+    std::memcpy(&word, text.data() + pos, sizeof word);
+    bits |= word;
+  }
+  for (; pos < text.size(); ++pos) bits |= static_cast<std::make_unsigned_t<C>>(text[pos]) >> 7 ? above : 0;
+  return (bits & above) == 0;
 }
 
 /// Throws where a text of `kept` and `added` characters would be longer than a string can be.

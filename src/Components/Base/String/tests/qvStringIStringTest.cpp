@@ -3,6 +3,7 @@
 #include "Base/Containers/qvVector.h"
 #include "Base/String/qvStringCString.h"
 #include "Base/String/qvStringCharacter.h"
+#include "testing/qvTestStrings.h"
 
 #include <gtest/gtest.h>
 

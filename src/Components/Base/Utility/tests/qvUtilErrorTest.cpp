@@ -3,6 +3,7 @@
 #include "Base/Containers/qvVector.h"
 #include "Base/String/qvStringIString.h"
 #include "testing/qvTestAllocations.h"
+#include "testing/qvTestStrings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "Base/Utility/qvUtilInitializer.h"
 
 #include "Base/Utility/qvUtilUnitTest.h"
+#include "testing/qvTestStrings.h"
 
 #include <gtest/gtest.h>
 
