@@ -1,0 +1,274 @@
+#include "Base/OS/qvOSFilename.h"
+
+#include "Base/OS/qvOSNativePath.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestSeed.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+using qvOS::Filename;
+using qvString::IString;
+
+namespace {
+
+using Wide = std::basic_string<qv::WChar>;
+
+/// Text that a failure prints readably.
+std::string shown(const IString& text) { return text.asUTF8(); }
+
+std::string canonical(const Wide& path, qv::WChar sep) { return shown(Filename(IString(path), sep).name()); }
+
+/// The rules of the canonical form one by one, each in the plainest way.
+class Model {
+public:
+  Model(Wide path, qv::WChar sep) : text(std::move(path)), sep_(sep), searched_(sep == '\\' ? '\\' : '/') {
+    for (qv::WChar& c : text)
+      if (c == (sep == '/' ? '\\' : '/')) c = sep;
+    removeDuplicates();
+    removeTrailing();
+    removeDotDot();
+  }
+  Wide text;
+
+private:
+  void removeDuplicates() {
+    const Wide pair(2, searched_);
+    const std::size_t start = text.size() >= 2 ? 1 : 0;
+    for (std::size_t at = text.find(pair, start); at != Wide::npos; at = text.find(pair, at))
+      text.erase(at, 1);
+  }
+  void removeTrailing() {
+    if (text.size() == 3 && text[1] == ':' && text[2] == sep_) return;
+    if (text.size() > 2 && text[0] == sep_ && text[1] == sep_ && text.rfind(sep_) == text.find(sep_, 2))
+      return;
+    while (text.size() > 1 && text.back() == sep_) text.pop_back();
+  }
+  void removeDotDot() {
+    const Wide pattern = {searched_, '.', '.', searched_};
+    for (std::size_t at; (at = text.find(pattern)) != Wide::npos;) {
+      const Wide head = text.substr(0, at), tail = text.substr(at + 4);
+      const std::size_t last = head.rfind(sep_);
+      if (last != Wide::npos)
+        text = head.substr(0, last + 1) + tail;
+      else if (head == QV_W(".."))
+        return;
+      else if (head == QV_W("."))
+        text = Wide(QV_W("..")) + sep_ + tail;
+      else
+        text = tail;
+    }
+  }
+  qv::WChar sep_, searched_;
+};
+
+} // namespace
+
+TEST(Filename, BringsPathsIntoCanonicalForm) {
+  const struct {
+    int line;
+    const qv::WChar* in;
+    const char* out;
+  } rows[] = {
+      {__LINE__, QV_W(""), ""},
+      {__LINE__, QV_W("a\\\\b\\"), "a\\b"},
+      {__LINE__, QV_W("a/b//c/"), "a\\b\\c"},
+      {__LINE__, QV_W("\\\\srv\\share\\\\x"), "\\\\srv\\share\\x"},
+      {__LINE__, QV_W("\\\\\\srv"), "\\\\srv"},
+      {__LINE__, QV_W("C:\\"), "C:\\"},
+      {__LINE__, QV_W("C:\\x\\"), "C:\\x"},
+      {__LINE__, QV_W("\\"), "\\"},
+      {__LINE__, QV_W("\\\\"), "\\"},
+      {__LINE__, QV_W("\\\\srv\\"), "\\\\srv\\"},
+      {__LINE__, QV_W("\\\\srv\\share\\"), "\\\\srv\\share"},
+      {__LINE__, QV_W("a\\b\\..\\c"), "a\\c"},
+      {__LINE__, QV_W(".\\..\\x"), "..\\x"},
+      {__LINE__, QV_W("..\\..\\x"), "..\\..\\x"},
+      {__LINE__, QV_W("..\\..\\a\\..\\b"), "..\\..\\a\\..\\b"},
+      {__LINE__, QV_W("C:\\..\\x"), "x"},
+      {__LINE__, QV_W("\\..\\x"), "x"},
+      {__LINE__, QV_W("a\\.."), "a\\.."},
+      {__LINE__, QV_W("a\\.\\b"), "a\\.\\b"},
+      {__LINE__, QV_W("a\\b\\c\\..\\..\\..\\..\\x"), "..\\x"},
+      {__LINE__, QV_W("a...\\..\\...\\b"), "...\\b"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(shown(Filename(IString(row.in)).name()), row.out) << "line " << row.line;
+    std::string slashed = row.out;
+    for (char& c : slashed)
+      if (c == '\\') c = '/';
+    EXPECT_EQ(canonical(row.in, '/'), slashed) << "line " << row.line;
+  }
+}
+
+TEST(Filename, FollowsTheRulesOneByOne) {
+  qvTest::Random random(41);
+  const Wide alphabet = QV_W("\\\\\\/..:Cab");
+  for (int round = 0; round < 50000; ++round) {
+    Wide path(random.below(16), ' ');
+    for (qv::WChar& c : path) c = alphabet[random.below(alphabet.size())];
+    for (const qv::WChar sep : {QV_W('\\'), QV_W('/'), QV_W(':')})
+      ASSERT_EQ(canonical(path, sep), shown(IString(Model(path, sep).text))) << shown(IString(path));
+  }
+}
+
+TEST(Filename, IsLinearInTheLength) {
+  Wide path;
+  for (int i = 0; i < 200000; ++i) path += QV_W("a\\..\\");
+  EXPECT_EQ(canonical(path + QV_W("x"), '\\'), "x");
+  EXPECT_EQ(canonical(Wide(1000000, '/') + QV_W("x"), '\\'), "\\\\x");
+}
+
+TEST(Filename, SplitsIntoParts) {
+  const struct {
+    int line;
+    const qv::WChar* path;
+    const char *prefix, *dirname, *basename, *trunk, *suffix;
+  } rows[] = {
+      {__LINE__, QV_W(""), "", "", "", "", ""},
+      {__LINE__, QV_W("C:\\x\\y.txt"), "C:", "C:\\x", "y.txt", "y", "txt"},
+      {__LINE__, QV_W("C:\\y"), "C:", "C:\\", "y", "y", ""},
+      {__LINE__, QV_W("C:\\"), "C:", "C:\\", "", "", ""},
+      {__LINE__, QV_W("C:"), "C:", "C:", "", "", ""},
+      {__LINE__, QV_W("C:x\\y"), "C:", "C:x", "y", "y", ""},
+      {__LINE__, QV_W("x"), "", "", "x", "x", ""},
+      {__LINE__, QV_W("x\\y"), "", "x", "y", "y", ""},
+      {__LINE__, QV_W("\\y"), "", "\\", "y", "y", ""},
+      {__LINE__, QV_W("\\"), "", "\\", "", "", ""},
+      {__LINE__, QV_W("\\\\srv"), "\\\\srv", "\\\\srv", "", "", ""},
+      {__LINE__, QV_W("\\\\srv\\"), "\\\\srv\\", "\\\\srv\\", "", "", ""},
+      {__LINE__, QV_W("\\\\srv\\share"), "\\\\srv\\share", "\\\\srv\\share", "", "", ""},
+      {__LINE__, QV_W("\\\\srv\\share\\y"), "\\\\srv\\share", "\\\\srv\\share", "y", "y", ""},
+      {__LINE__, QV_W("\\\\srv\\share\\d\\y"), "\\\\srv\\share", "\\\\srv\\share\\d", "y", "y", ""},
+      {__LINE__, QV_W("a\\.profile"), "", "a", ".profile", "", "profile"},
+      {__LINE__, QV_W("a\\.."), "", "a", "..", ".", ""},
+      {__LINE__, QV_W("name."), "", "", "name.", "name", ""},
+      {__LINE__, QV_W("."), "", "", ".", "", ""},
+      {__LINE__, QV_W("a.b.c"), "", "", "a.b.c", "a.b", "c"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const Filename file{IString(row.path)};
+    EXPECT_EQ(shown(file.prefix()), row.prefix);
+    EXPECT_EQ(shown(file.dirname()), row.dirname);
+    EXPECT_EQ(shown(file.basename()), row.basename);
+    EXPECT_EQ(shown(file.baseTrunk()), row.trunk);
+    EXPECT_EQ(shown(file.baseSuffix()), row.suffix);
+    const qv::vector<IString> parts = file.components();
+    ASSERT_EQ(parts.size(), 5);
+    EXPECT_EQ(parts[1], file.dirname());
+    EXPECT_EQ(parts[4], file.baseSuffix());
+  }
+}
+
+TEST(Filename, SplitsBySlashesWhereTheyAreTheSeparator) {
+  const Filename drive("C:/x/y.z", '/');
+  EXPECT_EQ(shown(drive.dirname()), "C:/x");
+  EXPECT_EQ(shown(drive.basename()), "y.z");
+  EXPECT_FALSE(drive.isAbsolute());
+  const Filename network("//srv/share/y", '/'); // No network name, which begins with two backslashes.
+  EXPECT_EQ(shown(network.prefix()), "");
+  EXPECT_EQ(shown(network.dirname()), "//srv/share");
+}
+
+TEST(Filename, KnowsWhatIsAbsolute) {
+  const struct {
+    const qv::WChar* path;
+    bool absolute;
+  } rows[] = {{QV_W("C:\\x"), true}, {QV_W("C:/"), true},  {QV_W("\\\\s"), true}, {QV_W("\\x"), false},
+              {QV_W("C:x"), false},  {QV_W("C:"), false},  {QV_W(""), false},     {QV_W("x\\y"), false},
+              {QV_W("\\"), false},   {QV_W("\\\\"), false}};
+  for (const auto& row : rows) EXPECT_EQ(Filename(IString(row.path)).isAbsolute(), row.absolute);
+}
+
+TEST(Filename, JoinsDirectoriesAndNames) {
+  const struct {
+    int line;
+    const qv::WChar *a, *b;
+    const char* joined;
+  } rows[] = {
+      {__LINE__, QV_W("a"), QV_W("b"), "a\\b"},     {__LINE__, QV_W("a\\"), QV_W("\\b"), "a\\b"},
+      {__LINE__, QV_W("a"), QV_W(""), "a"},         {__LINE__, QV_W(""), QV_W("b\\"), "b"},
+      {__LINE__, QV_W(""), QV_W(""), ""},           {__LINE__, QV_W("C:"), QV_W("x"), "C:x"},
+      {__LINE__, QV_W("C:\\"), QV_W("x"), "C:\\x"}, {__LINE__, QV_W("a"), QV_W("..\\b"), "b"},
+      {__LINE__, QV_W("a/b"), QV_W("c"), "a/b\\c"}, {__LINE__, QV_W("\\\\s\\d"), QV_W("c"), "\\\\s\\d\\c"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(shown(Filename::join(IString(row.a), IString(row.b))), row.joined) << "line " << row.line;
+    const Filename names(Filename(IString(row.a), '/'), Filename(IString(row.b), '/'));
+    EXPECT_EQ(names.name().find(QV_W("\\\\"), 2), IString::npos) << "line " << row.line;
+  }
+  EXPECT_EQ(shown(Filename::join("a", "b", "c")), "a\\b\\c");
+  EXPECT_EQ(shown(Filename::join("C:", "b", "c", "..")), "C:b\\c\\..");
+}
+
+TEST(Filename, CarriesTheSeparatorOnAssignmentOnly) {
+  const Filename slashed("a/b", '/');
+  Filename copied(slashed), assigned;
+  assigned = slashed;
+  EXPECT_EQ(shown(copied.name()), "a/b");
+  EXPECT_EQ(shown(copied.basename()), "a/b");
+  EXPECT_EQ(shown(assigned.basename()), "b");
+  copied = IString("c/d");
+  assigned = IString("c\\d");
+  EXPECT_EQ(shown(copied.name()), "c\\d");
+  EXPECT_EQ(shown(assigned.name()), "c/d");
+  EXPECT_EQ(shown(assigned.basename()), "d");
+}
+
+TEST(Filename, TakesItsOwnPartsAndItself) {
+  Filename file("a\\b\\c.d", '\\');
+  file = file.dirname();
+  EXPECT_EQ(shown(file.name()), "a\\b");
+  const Filename& self = file;
+  file = self;
+  EXPECT_EQ(shown(file.basename()), "b");
+}
+
+TEST(Filename, KnowsReservedDeviceNames) {
+  for (const char* name : {"con", "PRN.txt", "x\\aux", "Nul.a", "COM1", "lpt9.log", "lpt1.log"})
+    EXPECT_TRUE(isWindowsReservedDeviceName(Filename(IString(name)))) << name;
+  for (const char* name : {"", "COM0", "LPT0", "NULL", "COMx", "con.txt.bak", "lpt10", "CO1", "foo1"})
+    EXPECT_FALSE(isWindowsReservedDeviceName(Filename(IString(name)))) << name;
+}
+
+TEST(Filename, ChangesAndTellsTheCurrentDirectory) {
+  const Filename before = Filename().getCwd();
+  const qvTest::Directory directory;
+  const Filename scratch(qvOS::fromNativePath(directory.path().c_str()));
+  EXPECT_TRUE(scratch.setCwd());
+  const Filename here = Filename().getCwd();
+  EXPECT_TRUE(here.isAbsolute());
+  EXPECT_EQ(shown(here.basename()), shown(scratch.basename()));
+  const Filename sub("sub", '/');
+  EXPECT_TRUE(sub.makeDir());
+  EXPECT_FALSE(sub.makeDir());
+  EXPECT_TRUE(qvOS_FilenameMakeDir("sub/below"));
+  EXPECT_FALSE(Filename(IString("no\\below")).makeDir());
+  EXPECT_FALSE(Filename(IString("D:\\sub")).makeDir());
+  EXPECT_EQ(directory.entries(), 2);
+  EXPECT_FALSE(Filename(IString("missing")).setCwd());
+  std::filesystem::create_directory(directory.path(std::string(250, 'n')));
+  EXPECT_TRUE(Filename(IString(250u, 'n')).setCwd());
+  EXPECT_TRUE(Filename().getCwd().name().isEmpty());
+  EXPECT_TRUE(before.setCwd());
+}
+
+TEST(Filename, ServesCallersWithoutClasses) {
+  char out[64];
+  const auto part = [&](void (*function)(const char*, char*)) {
+    function("C:\\d\\t.s", out);
+    return std::string(out);
+  };
+  EXPECT_EQ(part(qvOS_FilenamePrefix), "C:");
+  EXPECT_EQ(part(qvOS_FilenameDirname), "C:\\d");
+  EXPECT_EQ(part(qvOS_FilenameBasename), "t.s");
+  EXPECT_EQ(part(qvOS_FilenameBaseTrunk), "t");
+  EXPECT_EQ(part(qvOS_FilenameBaseSuffix), "s");
+  qvOS_FilenameJoin("a", "b", out);
+  EXPECT_STREQ(out, "a\\b");
+  qvOS_FilenamePrefix(nullptr, out);
+  EXPECT_STREQ(out, "");
+}

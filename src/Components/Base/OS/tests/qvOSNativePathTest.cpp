@@ -1,0 +1,116 @@
+#include "Base/OS/qvOSNativePath.h"
+
+#include "Base/OS/qvOSDirectoryIterator.h"
+#include "Base/OS/qvOSExtendedPath.h"
+#include "Base/OS/qvOSFilename.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <map>
+#include <set>
+
+using qvOS::DirectoryIterator;
+using qvOS::Filename;
+using qvString::IString;
+
+namespace {
+
+std::string native(const IString& path) { return std::string(qvOS::toNativePath(path).view()); }
+IString wide(const std::string& path) { return qvOS::fromNativePath(qvString::CString(path)); }
+
+} // namespace
+
+TEST(NativePath, ReachesEveryNameThroughAFilename) {
+  const qvTest::Directory directory;
+  std::set<std::string> names = {
+      "with blank", "C:",       "C:drive", "a\\..\\b",     "\\\\srv\\share", "D:\\x",
+      "\\",         "...",      "con",     "trailing.",    "trailing ",      "new\nline",
+      "file:x",     "\xC3\xA4", "\xFF",    "\xED\xB2\x80", "a\xC3",          std::string(255, 'n')};
+  for (int c = 1; c < 256; ++c)
+    if (c != '/') names.insert("b" + std::string(1, static_cast<char>(c)) + ":");
+  for (const std::string& name : names) directory.write(name, name);
+
+  const Filename scratch(wide(directory.path()));
+  EXPECT_TRUE(scratch.isAbsolute());
+  std::set<std::string> seen;
+  for (DirectoryIterator it(scratch); it.next();) {
+    const std::string name = native(it.name());
+    seen.insert(name);
+    EXPECT_EQ(native(it.path().name()), directory.path(name));
+    EXPECT_EQ(it.path().basename(), it.name());
+    EXPECT_EQ(it.path().dirname(), scratch.name());
+    EXPECT_TRUE(Filename(it.name()).prefix().isEmpty());
+    EXPECT_EQ(directory.read(native(Filename(it.path().name(), '/').basename())), name);
+  }
+  EXPECT_EQ(seen, names);
+}
+
+TEST(DirectoryIterator, TellsDirectoriesAndLinks) {
+  const qvTest::Directory directory;
+  namespace fs = std::filesystem;
+  fs::create_directory(directory.path("sub"));
+  directory.write("file", "");
+  fs::create_directory_symlink("sub", directory.path("to-sub"));
+  fs::create_symlink("nowhere", directory.path("dangling"));
+  std::map<std::string, std::string> kinds;
+  DirectoryIterator it(Filename(wide(directory.path())));
+  while (it.next())
+    kinds[native(it.name())] = std::string(it.isDirectory() ? "d" : "-") + (it.isLink() ? "l" : "-");
+  EXPECT_FALSE(it.next());
+  EXPECT_FALSE(it.error());
+  EXPECT_EQ(kinds, (std::map<std::string, std::string>{
+                       {"sub", "d-"}, {"file", "--"}, {"to-sub", "dl"}, {"dangling", "-l"}}));
+}
+
+TEST(DirectoryIterator, TellsWhyItCannotWalk) {
+  const qvTest::Directory directory;
+  const struct {
+    std::string path;
+    int code;
+  } rows[] = {{directory.path("missing"), 18}, {directory.write("file", ""), 10}, {"", 18}};
+  for (const auto& row : rows) {
+    DirectoryIterator it(Filename(wide(row.path)));
+    EXPECT_FALSE(it.next());
+    EXPECT_EQ(it.error().num(), row.code) << row.path;
+  }
+  qvTest::PlatformScript script;
+  script.failCall(1, EIO, "readdir");
+  DirectoryIterator it(Filename(wide(directory.path())));
+  while (it.next()) {
+  }
+  EXPECT_EQ(it.error().num(), 4);
+  EXPECT_FALSE(it.next());
+}
+
+TEST(ExtendedPath, PutsTheLongPrefixBeforeAWholePath) {
+  const std::string cwd = std::filesystem::current_path();
+  const struct {
+    int line;
+    const char* name;
+    std::string extended;
+  } rows[] = {
+      {__LINE__, "C:/a\\..\\b\\", "\\\\?\\C:\\b"},
+      {__LINE__, "\\\\srv\\share\\x", "\\\\?\\UNC\\srv\\share\\x"},
+      {__LINE__, "\\tmp\\x", "\\\\?\\C:\\tmp\\x"},
+  };
+  IString out;
+  for (const auto& row : rows) {
+    EXPECT_FALSE(qvOS::makeExtendedPath(row.name, out));
+    EXPECT_EQ(out.asUTF8(), row.extended) << "line " << row.line;
+  }
+  EXPECT_FALSE(qvOS::makeExtendedPath("x\\y", out));
+  EXPECT_EQ(native(out), cwd + "/x/y");
+  for (const char* name : {"", "D:x"}) {
+    const qvUtil::Error error = qvOS::makeExtendedPath(name, out);
+    EXPECT_EQ(error.num(), 14);
+    EXPECT_STRNE(error.message(), "");
+    EXPECT_STREQ(out.asUTF8(), name);
+  }
+  qvTest::PlatformScript script;
+  script.failCall(0, EACCES, "getcwd");
+  EXPECT_EQ(qvOS::makeExtendedPath("x", out).num(), 14);
+}
