@@ -41,6 +41,17 @@ int portOf(int descriptor) {
                                                                                  : ntohs(address.sin6_port);
 }
 
+// A socket on that port; it has none where the port could not be had.
+int bindLoopback(bool ipv6, int port) {
+  const int descriptor = ::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_storage address;
+  const socklen_t size = loopback(ipv6, port, address);
+  const int on = 1;
+  if (ipv6) ::setsockopt(descriptor, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+  (void)::bind(descriptor, reinterpret_cast<sockaddr*>(&address), size);
+  return descriptor;
+}
+
 } // namespace
 
 bool hasIPv6() { return Listener(true).port() != 0; }
@@ -87,19 +98,17 @@ void Peer::reset() {
   close();
 }
 
-Listener::Listener(bool ipv6, int port)
-    : descriptor_(::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  if (descriptor_ < 0) return;
-  sockaddr_storage address;
-  const socklen_t size = loopback(ipv6, port, address);
-  const int on = 1;
-  if (ipv6) ::setsockopt(descriptor_, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
-  ::setsockopt(descriptor_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-  if (::bind(descriptor_, reinterpret_cast<sockaddr*>(&address), size) || ::listen(descriptor_, 64)) return;
-  port_ = portOf(descriptor_);
+Listener::Listener(bool ipv6) : descriptor_(bindLoopback(ipv6, 0)), port_(portOf(descriptor_)) {
+  if (::listen(descriptor_, 64)) port_ = 0;
 }
 
 Listener::~Listener() {
+  if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+RefusingPort::RefusingPort(int port) : descriptor_(bindLoopback(false, port)), port_(portOf(descriptor_)) {}
+
+RefusingPort::~RefusingPort() {
   if (descriptor_ >= 0) ::close(descriptor_);
 }
 

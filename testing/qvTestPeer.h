@@ -34,10 +34,10 @@ private:
   int descriptor_;
 };
 
-/// Listens on a port of the loopback that the system chooses, or on `port`.
+/// Listens on a port of the loopback that the system chooses.
 class Listener {
 public:
-  explicit Listener(bool ipv6 = false, int port = 0);
+  explicit Listener(bool ipv6 = false);
   ~Listener();
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
@@ -49,10 +49,24 @@ public:
 
 private:
   int descriptor_;
-  int port_ = 0;
+  int port_;
 };
 
-/// A port of the loopback where nobody listens.
-[[nodiscard]] inline int unusedPort() { return Listener().port(); }
+/// Holds a port of the IPv4 loopback, `port` or one that the system chooses, on which connections are
+/// refused.
+class RefusingPort {
+public:
+  explicit RefusingPort(int port = 0);
+  ~RefusingPort();
+  RefusingPort(const RefusingPort&) = delete;
+  RefusingPort& operator=(const RefusingPort&) = delete;
+
+  /// 0 where the port is another's.
+  [[nodiscard]] int port() const { return port_; }
+
+private:
+  int descriptor_;
+  int port_;
+};
 
 } // namespace qvTest

@@ -44,7 +44,8 @@ public:
   /// @return no error, or code 1. In throw mode a failure is thrown as well.
   qvUtil::Error write(const void* buffer, std::uint64_t count, std::uint64_t* put) override;
 
-  /// Writes one frame of at most 65535 bytes.
+  /// Writes one frame of at most 65535 bytes, as two raw writes: the length, then the text. Where answers are
+  /// waited for, `setNoDelay` spares the second the wait for the first one's acknowledgement.
   /// @return no error; code 3 for a longer text, of which nothing is sent; else as the raw `write`.
   qvUtil::Error write(const char* text);
   qvUtil::Error write(const qvString::CString& text);

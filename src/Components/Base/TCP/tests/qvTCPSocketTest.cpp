@@ -187,7 +187,8 @@ TEST(TCPClient, Waits) {
 
 TEST(TCPClient, TellsHowConnectingEnds) {
   const Families both(qvPlatform::familyIPv4 | qvPlatform::familyIPv6);
-  const Address nobody(Address::localhost, qvTest::unusedPort());
+  const qvTest::RefusingPort refusing;
+  const Address nobody(Address::localhost, refusing.port());
   EXPECT_TRUE(startsWith(told(ClientSocket(nobody).connect()), "4 connect() failed: "));
   EXPECT_TRUE(startsWith(told(ClientSocket(Address("no such host", 1)).connect()), "2 getaddrinfo failed: "));
 
@@ -214,6 +215,8 @@ TEST(TCPClient, TellsHowConnectingEnds) {
 TEST(TCPClient, FallsBackToIPv6ForTheLoopback) {
   if (!qvTest::hasIPv6()) GTEST_SKIP() << "this machine has no ::1";
   const qvTest::Listener listener(true);
+  const qvTest::RefusingPort refusing(listener.port());
+  if (!refusing.port()) GTEST_SKIP() << "another process has this port over IPv4";
   const Address loopback(Address::localhost, listener.port());
   {
     const Families both(qvPlatform::familyIPv4 | qvPlatform::familyIPv6);
@@ -261,6 +264,32 @@ TEST(TCPClient, ClosesSidesInEitherOrder) {
       }
       EXPECT_EQ(qvTest::nextDescriptor(), next);
     }
+}
+
+TEST(TCPClient, TellsWhenAHandleDoesNotClose) {
+  const struct {
+    int line;
+    bool stream;
+    int failing;
+    const char* error;
+  } rows[] = {
+      {__LINE__, false, 0, "1 "},
+      {__LINE__, true, 0, "1 fclose() on socket stream failed"},
+      {__LINE__, true, 1, "1 _close() of C file descriptor failed"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    Connection link;
+    EXPECT_EQ(row.stream, row.stream && link.client.getCStream().first);
+    link.peer->reset();
+    char byte;
+    EXPECT_EQ(link.client.read(&byte, 1, nullptr).num(), 1); // from here on nothing is left to shut down
+    qvTest::PlatformScript script;
+    script.failCall(row.failing, EIO, "close");
+    EXPECT_TRUE(startsWith(told(link.client.close(3)), row.error));
+    EXPECT_EQ(script.failures(), 1);
+    EXPECT_FALSE(link.client.close(3));
+  }
 }
 
 TEST(TCPClient, OffersACStream) {
