@@ -141,6 +141,11 @@ int LocalFileTransport::openStream(const IString& path, int flags) {
 
 Error LocalFileTransport::open(int flags) { return openError(openStream(path_, flags)); }
 
+void LocalFileTransport::rename(const IString& path) {
+  path_ = path;
+  typeKnown_ = directoryFlag_ = false;
+}
+
 Error LocalFileTransport::openTemp(int flags) {
   const Filename directory = temporaryDirectory(path_);
   IString prefix = temporaryPrefix(path_);
@@ -150,7 +155,7 @@ Error LocalFileTransport::openTemp(int flags) {
     failed = makeUniqueFile(directory, prefix, &made);
     if (!failed) {
       failed = openStream(made.name(), flags);
-      if (!failed) path_ = made.name();
+      if (!failed) rename(made.name());
       if (failed) static_cast<void>(qvPlatform::deleteFile(toNativePath(made.name()).asChar()));
     }
     if (qvPlatform::errorKind(failed) != ErrorKind::exists) break;
@@ -172,7 +177,7 @@ Error LocalFileTransport::makeTempDirectory() {
   const Filename directory = temporaryDirectory(path_);
   Error error;
   for (int attempt = 0; attempt < 3; ++attempt) {
-    path_ = Filename::join(directory.name(), randomLetters(10));
+    rename(Filename::join(directory.name(), randomLetters(10)));
     error = makeDirectoryAt(path_);
     if (!error) break;
   }

@@ -48,6 +48,7 @@ private:
   enum class Direction { none, reading, writing };
 
   [[nodiscard]] int turn(Direction direction);
+  void rename(const qvString::IString& path);
   [[nodiscard]] int openStream(const qvString::IString& path, int flags);
 
   qvString::IString path_;

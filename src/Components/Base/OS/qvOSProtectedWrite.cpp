@@ -34,6 +34,8 @@ Filename beside(const Filename& main, const Filename& temporary) {
 
 } // namespace
 
+static_assert(sizeof(ProtectedWrite) == 3 * sizeof(Filename) + 8);
+
 ProtectedWrite::ProtectedWrite(const Filename& mainFile)
     : mainFilename_(mainFile.name()) {} // from the name, so that its separator is the platform's
 
@@ -49,11 +51,10 @@ bool ProtectedWrite::init() {
   if (initialized_) return statusValue_ == statusOk;
   initialized_ = true;
   if (!copyStrategy_) copyStrategy_ = environmentAsksForCopies();
-  if (doesFileExist(mainFilename_) && !isFileWritable(mainFilename_)) {
-    statusValue_ = statusMainNotWritable;
-    return false;
-  }
-  if (copyStrategy_) checkTempDirectory();
+  FileStatus main;
+  static_cast<void>(File::query(mainFilename_, main));
+  if (main.exists() && !main.isWritable()) statusValue_ = statusMainNotWritable;
+  if (statusValue_ == statusOk && copyStrategy_) checkTempDirectory();
   if (statusValue_ != statusOk) return false;
   chooseNames();
   const bool tempFree = deleteIfPresent(tempFilename_);

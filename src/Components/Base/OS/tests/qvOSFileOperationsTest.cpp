@@ -1,0 +1,174 @@
+#include "Base/OS/qvOSFileOperations.h"
+
+#include "Base/OS/qvOSFilesystem.h"
+#include "Base/OS/tests/qvOSTestName.h"
+#include "testing/qvTestChild.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace qvOS;
+using qvString::IString;
+using qvTest::filename;
+using qvUtil::Error;
+
+TEST(FileOperations, copyReportsEveryFailure) {
+  const qvTest::Directory scratch;
+  scratch.write("from", "new");
+  scratch.write("there", "old");
+  fs::create_directory(scratch.path("dir"));
+  fs::create_symlink("from", scratch.path("link"));
+  fs::create_symlink("made", scratch.path("dangling"));
+  const struct {
+    int line;
+    const char *from, *to;
+    bool overwrite;
+    int code;
+  } rows[] = {
+      {__LINE__, "missing", "x", true, 2},   {__LINE__, "from", "no/parent", true, 2},
+      {__LINE__, "from", "there", false, 3}, {__LINE__, "from", "dangling", false, 3},
+      {__LINE__, "from", "dir", true, 1},    {__LINE__, "dir", "x", true, 1},
+      {__LINE__, "from", "from", true, 1},   {__LINE__, "from", "link", true, 1},
+      {__LINE__, "from", "fresh", false, 0}, {__LINE__, "from", "there", true, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    EXPECT_EQ(scratch.read("there"), "old");
+    EXPECT_EQ(fileCopy(filename(scratch.path(row.from)), filename(scratch.path(row.to)), row.overwrite).num(),
+              row.code);
+  }
+  for (const char* name : {"from", "there", "fresh"}) EXPECT_EQ(scratch.read(name), "new") << name;
+  EXPECT_EQ(scratch.entries(), 6);
+
+  const std::string from = scratch.path("missing");
+  const std::string to = scratch.path("x");
+  const Error error = fileCopy(qvTest::wide(from).asWChar(), qvTest::wide(to).asWChar(), false);
+  EXPECT_EQ(error.message(), "Error copying " + std::string(filename(from).name().asUTF8()) + " to " +
+                                 filename(to).name().asUTF8() + ": " + strerror(ENOENT));
+}
+
+TEST(FileOperations, moveNeverLosesTheFile) {
+  const qvTest::Directory scratch;
+  const std::string big(200000, 'b');
+  scratch.write("from", big);
+  fs::create_symlink("from", scratch.path("link"));
+  EXPECT_TRUE(fileMove(filename(scratch.path("from")), filename(scratch.path("link")), true));
+  EXPECT_TRUE(fileRename(filename(scratch.path("from")),
+                         Filename(IString((scratch.path("from")).c_str()), IString())));
+  EXPECT_EQ(qvTest::inChild([&] {
+              const rlimit limit{100000, 100000};
+              signal(SIGXFSZ, SIG_IGN);
+              ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+              EXPECT_EQ(fileMove(filename(scratch.path("from")), filename(scratch.path("to")), false).num(),
+                        1);
+            }),
+            0);
+  EXPECT_EQ(scratch.read("from"), big);
+  EXPECT_FALSE(scratch.exists("to")) << "no half of a copy stays";
+  fs::permissions(scratch.path("from"), fs::perms(0640));
+  EXPECT_FALSE(fileMove(filename(scratch.path("from")), filename(scratch.path("to")), false));
+  EXPECT_EQ(scratch.read("to"), big);
+  EXPECT_FALSE(scratch.exists("from"));
+  EXPECT_EQ(fs::status(scratch.path("to")).permissions(), fs::perms(0640));
+}
+
+TEST(FileOperations, renameStaysInTheDirectory) {
+  const qvTest::Directory scratch;
+  scratch.write("a", "a");
+  scratch.write("b", "b");
+  fs::create_directory(scratch.path("dir"));
+  const auto rename = [&](const char* from, const char* to) {
+    return fileRename(filename(scratch.path(from)), filename(scratch.path(to)));
+  };
+  for (const char* target : {"b", "dir"}) {
+    const Error error = rename("a", target);
+    EXPECT_EQ(error.num(), 6);
+    EXPECT_STREQ(error.message(), "Unkown system error.");
+  }
+  EXPECT_EQ(rename("missing", "c").num(), 6);
+  EXPECT_EQ(rename("missing", "dir/c").num(), 2) << "across directories it is a copy";
+  EXPECT_FALSE(rename("a", "dir/b"));
+  EXPECT_FALSE(rename("b", "dir/b")) << "which overwrites";
+  EXPECT_EQ(scratch.read("dir/b"), "b");
+  EXPECT_FALSE(rename("dir", "moved"));
+  EXPECT_EQ(scratch.entries(), 2);
+}
+
+TEST(FileOperations, deleteAndAsk) {
+  const qvTest::Directory scratch;
+  const std::string path = scratch.write("f", "x");
+  fs::create_symlink("f", scratch.path("link"));
+  fs::create_symlink("nowhere", scratch.path("dangling"));
+  EXPECT_TRUE(doesFileExist(path.c_str()) && isFileWritable(filename(path)));
+  EXPECT_FALSE(doesFileExist(scratch.path("dangling").c_str()));
+  EXPECT_FALSE(fileDelete(filename(scratch.path("link"))));
+  EXPECT_FALSE(fileDelete(scratch.path("dangling").c_str()));
+  EXPECT_EQ(scratch.read("f"), "x");
+  EXPECT_FALSE(fileDelete(qvTest::wide(path).asWChar()));
+  const Error error = fileDelete(path.c_str());
+  EXPECT_EQ(error.num(), 1);
+  EXPECT_STREQ(error.message(), strerror(ENOENT));
+  EXPECT_EQ(fileDelete(filename(scratch.path())).num(), 1) << "a directory is no file";
+}
+
+TEST(FileOperations, exportedFunctions) {
+  const qvTest::Directory scratch;
+  const std::string from = scratch.write("from", "12345");
+  const std::string to = scratch.path("to");
+  EXPECT_TRUE(qvOS_DoesDirectoryExist(from.c_str())) << "a plain file will do";
+  EXPECT_FALSE(qvOS_DoesFileExist(to.c_str()) || qvOS_DoesFileExist(nullptr));
+  EXPECT_FALSE(qvOS_CopyFileTo(from.c_str(), to.c_str())) << "false is success";
+  EXPECT_EQ(scratch.read("to"), "12345");
+  EXPECT_TRUE(qvOS_CopyFileTo(from.c_str(), from.c_str()));
+  EXPECT_TRUE(qvOS_CopyFileToW(qvTest::wide(from).asWChar(), qvTest::wide(scratch.path("no/x")).asWChar()));
+  EXPECT_TRUE(qvOS_IsFileWriteable(to.c_str()) && qvOS_IsFileWriteableW(qvTest::wide(to).asWChar()));
+  const struct {
+    int line;
+    int count, result;
+  } rows[] = {{__LINE__, 3, 3}, {__LINE__, 5, 5}, {__LINE__, 6, -1}, {__LINE__, 0, 0}, {__LINE__, -1, -1}};
+  for (const auto& row : rows) {
+    char buffer[8] = {};
+    EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), buffer, row.count), row.result) << row.line;
+    EXPECT_EQ(buffer, std::string("12345").substr(0, row.count > 0 ? row.count : 0));
+  }
+  char buffer[8];
+  EXPECT_EQ(qvOS_ReadHeaderFromFileW(qvTest::wide(scratch.path("no")).asWChar(), buffer, 1), -1);
+  EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), nullptr, 1), -1);
+}
+
+TEST(Filesystem, tellsSpace) {
+  const qvTest::Directory scratch;
+  struct statvfs expected;
+  ASSERT_EQ(statvfs(scratch.path().c_str(), &expected), 0);
+  for (const std::string& path : {scratch.path(), scratch.path("missing")}) {
+    Filesystem system(qvTest::wide(path));
+    EXPECT_EQ(system.size(), 0u);
+    ASSERT_FALSE(system.stat());
+    EXPECT_EQ(system.blockSize(), 1024u);
+    EXPECT_EQ(system.size(), std::uint64_t(expected.f_blocks) * expected.f_frsize / 1024);
+    EXPECT_GT(system.avail(), 0u);
+    EXPECT_LE(system.avail(), system.size());
+    EXPECT_FALSE(system.isRemote());
+  }
+  Filesystem elsewhere(IString("Q:\\x"));
+  EXPECT_EQ(elsewhere.stat(), Error(1, "Filesystem::stat(): invalid path Q:\\x\n"));
+  Filesystem failing(qvTest::wide(scratch.path()));
+  qvTest::PlatformScript script;
+  script.failCall(0, EIO, "volume");
+  const Error error = failing.stat();
+  EXPECT_EQ(error, Error(1, "Filesystem::stat(): GetDiskFreeSpaceEx(%S) failed: %s",
+                         qvTest::wide(scratch.path()).asWChar(), strerror(EIO)));
+}
+
+} // namespace

@@ -1,0 +1,499 @@
+#include "Base/OS/qvOSFile.h"
+
+#include "Base/OS/qvOSFileFactory.h"
+#include "Base/OS/qvOSFileStatus.h"
+#include "Base/OS/qvOSLocalFileTransport.h"
+#include "Base/OS/tests/qvOSTestName.h"
+#include "testing/qvTestChild.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using qvOS::File;
+using qvOS::FileFactory;
+using qvOS::FileStatus;
+using qvOS::FileTransport;
+using qvString::IString;
+using qvTest::wide;
+using qvUtil::Error;
+
+const int readFlag = FileTransport::openRead;
+const int writeFlag = FileTransport::openWrite;
+
+std::set<std::string> list(const std::string& directory, bool fullPath = false) {
+  qv::vector<IString> names;
+  std::set<std::string> result;
+  EXPECT_FALSE(File(wide(directory)).readDir(names, fullPath));
+  for (const IString& name : names) result.insert(qvTest::native(name));
+  return result;
+}
+
+/// A back end whose every answer the test chooses.
+class ScriptedTransport : public FileTransport {
+public:
+  Error read(void*, std::uint64_t, std::uint64_t* count) override {
+    return *count = 0, File::getError(readCode);
+  }
+  Error write(const void*, std::uint64_t, std::uint64_t*) override { return File::getError(writeCode); }
+  Error open(int flags) override { return openFlags = flags, File::getError(openCode); }
+  Error close() override { return File::getError(closeCode); }
+  Error makeDirectory() override { return File::getError(1); }
+  Error readDir(qv::vector<IString>&, bool) override { return File::getError(1); }
+  Error deleteSelf() override { return ++deletions, Error(); }
+  bool isDirectory() const override { return false; }
+  bool isOpen() const override { return false; }
+  IString getFullName() const override { return "scripted:x"; }
+  IString getNameTitle() const override { return {}; }
+  IString getNameBase() const override { return {}; }
+  qv::WChar getSeparator() const override { return QV_W('/'); }
+  IString transportId() const override { return "Scripted"; }
+  Error query(FileStatus&) override { return Error(); }
+
+  int readCode = 3, writeCode = 0, openCode = 0, closeCode = 0, openFlags = 0, deletions = 0;
+};
+
+class ScriptedFactory : public qvOS::FileTransportFactory {
+public:
+  FileTransport* create(const IString& name) override {
+    return name.find(QV_W("scripted:")) == 0 ? new ScriptedTransport : nullptr;
+  }
+};
+
+TEST(File, errorTable) {
+  EXPECT_STREQ(File::getError(0).message(), "");
+  EXPECT_STREQ(File::getError(3).message(), "End Of File");
+  EXPECT_STREQ(File::getError(13).message(), "The directory is not empty");
+  EXPECT_STREQ(File::getError(19).message(), "Cannot become the parent of a root directory");
+  for (const int code : {-1, 20, 1 << 30}) EXPECT_STREQ(File::getError(code).message(), "") << code;
+  EXPECT_EQ(File::getError(20).num(), 20);
+}
+
+TEST(File, nameResolves) {
+  const struct {
+    int line;
+    const char* name;
+    const char* full;
+    const char* title;
+    const char* base;
+  } rows[] = {
+      {__LINE__, "file:///x", "x", "", ""},
+      {__LINE__, "file:C:/x", "C:/x", "C:/", "x"},
+      {__LINE__, "File:x", "File:x", "", ""},
+      {__LINE__, "C:\\x", "C:\\x", "C:\\", "x"},
+      {__LINE__, "a\\b\\c.d", "a\\b\\c.d", "a\\b\\", "c.d"},
+      {__LINE__, "a\\b\\", "a\\b\\", "a\\b\\", ""},
+      {__LINE__, "bare", "bare", "", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const File file{IString(row.name)};
+    EXPECT_TRUE(file.isValid());
+    EXPECT_STREQ(file.getFullName().asUTF8(), row.full);
+    EXPECT_STREQ(file.getNameTitle().asUTF8(), row.title);
+    EXPECT_STREQ(file.getNameBase().asUTF8(), row.base);
+    EXPECT_STREQ(file.transportId().asUTF8(), "LocalFileTransport");
+  }
+  static ScriptedFactory scripted;
+  FileFactory::getFileFactory()->addTransportFactory(&scripted);
+  EXPECT_STREQ(File(IString("scripted:y")).transportId().asUTF8(), "Scripted");
+  EXPECT_STREQ(File(IString("y")).transportId().asUTF8(), "LocalFileTransport");
+}
+
+TEST(File, withoutTransportEverythingIsRefused) {
+  File none(static_cast<FileTransport*>(nullptr));
+  File other(IString("x"));
+  FileStatus status;
+  qv::vector<IString> names;
+  EXPECT_FALSE(none.isValid() || none.isDirectory() || none.isOpen());
+  for (const Error& error :
+       {none.open(4), none.close(), none.readDir(names, true), none.copyTo(other), other.copyTo(none),
+        none.deleteSelf(0), none.query(status, true), none.read(nullptr, 0, nullptr)})
+    EXPECT_EQ(error.num(), 1);
+}
+
+TEST(File, stateIsChecked) {
+  const qvTest::Directory scratch;
+  scratch.write("there", "12345");
+  File file(wide(scratch.path("there")));
+  File other(wide(scratch.path("other")));
+  qv::vector<IString> names;
+  char byte = 0;
+  EXPECT_EQ(file.read(&byte, 1, nullptr).num(), 4);
+  EXPECT_EQ(file.write(&byte, 1, nullptr).num(), 4);
+  EXPECT_EQ(file.close().num(), 8);
+  ASSERT_FALSE(file.open(readFlag));
+  for (const Error& error :
+       {file.open(4), file.openTemp(4), file.copyTo(other), file.moveTo(other), file.deleteSelf(0),
+        file.makeDirectory(), file.makeTempDirectory(), file.makeDirectoryAll(), other.copyTo(file)})
+    EXPECT_EQ(error.num(), 9);
+  EXPECT_EQ(file.readDir(names, false).num(), 10);
+  EXPECT_FALSE(file.close());
+  EXPECT_EQ(scratch.read("there"), "12345");
+  EXPECT_FALSE(scratch.exists("other"));
+}
+
+TEST(File, openFailures) {
+  const qvTest::Directory scratch;
+  scratch.write("file", "");
+  fs::create_directory(scratch.path("dir"));
+  const struct {
+    int line;
+    std::string name;
+    int flags;
+    int code;
+  } rows[] = {
+      {__LINE__, "missing", 4, 18}, {__LINE__, "no\\parent", 8, 18},
+      {__LINE__, "file/x", 8, 18},  {__LINE__, "dir", 4, 4},
+      {__LINE__, "dir", 8, 4},      {__LINE__, "dir", 16, 4},
+      {__LINE__, "file", 0, 4},     {__LINE__, std::string(300, 'n'), 8, 4},
+      {__LINE__, "file", 4 | 1, 0}, {__LINE__, "file", 32 | 2 | 8, 0},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(File(wide(scratch.path()) + "\\" + IString(row.name.c_str())).open(row.flags).num(), row.code)
+        << row.line;
+  EXPECT_EQ(File(IString("D:\\x")).open(8).num(), 18) << "there is no such drive";
+  EXPECT_EQ(scratch.entries(), 2);
+}
+
+TEST(File, everyNameIsReachable) {
+  const std::string names[] = {"two  blanks ",        "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
+                               "back\\slash",         "a:colon",
+                               "late:colon",          "bad\xFF\xC3utf8",
+                               std::string(255, 'l'), "..."};
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    const qvTest::Directory scratch;
+    EXPECT_EQ(qvTest::writeFile(scratch.path(name), "content"), 0);
+    EXPECT_EQ(scratch.read(name), "content");
+    EXPECT_EQ(list(scratch.path()), (std::set<std::string>{".", "..", name}));
+    EXPECT_EQ(list(scratch.path(), true).count(scratch.path(name)), 1u);
+    File file(wide(scratch.path(name)));
+    File copy(wide(scratch.path("copy")));
+    EXPECT_FALSE(file.copyTo(copy));
+    EXPECT_EQ(scratch.read("copy"), "content");
+    EXPECT_FALSE(file.deleteSelf(0));
+    EXPECT_FALSE(scratch.exists(name));
+  }
+}
+
+TEST(File, endShowsOnlyWhenItIsTouched) {
+  const qvTest::Directory scratch;
+  scratch.write("f", "12345");
+  File file(wide(scratch.path("f")));
+  ASSERT_FALSE(file.open(readFlag));
+  char buffer[8] = {};
+  std::uint64_t count = 0;
+  EXPECT_FALSE(file.read(buffer, 5, &count));
+  EXPECT_EQ(count, 5u);
+  EXPECT_EQ(file.read(buffer, 1, &count).num(), 3);
+  EXPECT_EQ(count, 0u);
+  ASSERT_FALSE(file.getTransport()->open(readFlag)) << "a second open starts again";
+  EXPECT_EQ(file.read(buffer, 8, &count).num(), 3);
+  EXPECT_EQ(count, 5u);
+  ASSERT_FALSE(file.getTransport()->open(readFlag));
+  qvTest::PlatformScript script;
+  script.failCall(0, EIO, "read");
+  EXPECT_EQ(file.read(buffer, 8, &count).num(), 4) << "a failure is not an end";
+}
+
+TEST(File, appendingReadsAndWrites) {
+  const qvTest::Directory scratch;
+  scratch.write("f", "abc");
+  File file(wide(scratch.path("f")));
+  ASSERT_FALSE(file.open(FileTransport::openAppend | writeFlag | readFlag));
+  for (const char* piece : {"1", "2"}) {
+    char buffer[16];
+    EXPECT_EQ(file.read(buffer, sizeof buffer, nullptr).num(), 3);
+    EXPECT_FALSE(file.write(piece, 1, nullptr));
+  }
+  EXPECT_FALSE(file.close());
+  EXPECT_EQ(scratch.read("f"), "abc12");
+}
+
+TEST(File, fullDisk) {
+  const std::string big(1 << 20, 'x');
+  EXPECT_EQ(qvTest::writeFile("/dev/full", big), 4);
+  const qvTest::Directory scratch;
+  scratch.write("source", big);
+  File source(wide(scratch.path("source")));
+  File full(IString("/dev/full"));
+  EXPECT_FALSE(source.copyTo(full)) << "the outcome of a copy is that of the last close";
+  EXPECT_EQ(qvTest::inChild([&] {
+              const rlimit limit{100000, 100000};
+              signal(SIGXFSZ, SIG_IGN);
+              ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+              File file(wide(scratch.path("limited")));
+              std::uint64_t count = 0;
+              ASSERT_FALSE(file.open(writeFlag));
+              EXPECT_EQ(file.write(big.data(), big.size(), &count).num(), 4);
+              EXPECT_LE(count, 100000u);
+            }),
+            0);
+}
+
+TEST(FileTransport, copyTellsTheLastCloseOnly) {
+  const struct {
+    int line;
+    int sourceOpen, sourceRead, targetOpen, targetWrite, targetClose;
+    int result;
+  } rows[] = {
+      {__LINE__, 0, 3, 0, 0, 0, 0},  {__LINE__, 18, 3, 0, 0, 0, 0}, {__LINE__, 0, 4, 0, 0, 0, 0},
+      {__LINE__, 0, 3, 18, 0, 0, 4}, {__LINE__, 0, 3, 0, 4, 0, 0},  {__LINE__, 0, 0, 0, 4, 5, 5},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    struct Target : ScriptedTransport {
+      IString getFullName() const override { return "scripted:z"; }
+    } target;
+    ScriptedTransport source;
+    source.openCode = row.sourceOpen;
+    source.readCode = row.sourceRead;
+    target.openCode = row.targetOpen;
+    target.writeCode = row.targetWrite;
+    target.closeCode = row.targetClose;
+    EXPECT_EQ(source.copyTo(target).num(), row.result);
+    EXPECT_EQ(target.openFlags, 40);
+    EXPECT_EQ(source.openFlags, row.targetOpen ? 0 : 6);
+    EXPECT_EQ(source.moveTo(target).num(), row.result);
+    EXPECT_EQ(source.deletions, row.result ? 0 : 1);
+    EXPECT_EQ(source.copyTo(source).num(), 7);
+  }
+  ScriptedTransport base;
+  FileStatus status;
+  for (const Error& error : {base.openTemp(4), base.makeTempDirectory(), base.makeDirectoryAll()}) {
+    EXPECT_EQ(error.num(), -1);
+    EXPECT_STREQ(error.message(), "This function is not implemented.");
+  }
+  EXPECT_STREQ(base.queryOwnerGroup(status).message(), "This function still not supported.");
+  EXPECT_STREQ(status.getOwner().asChar(), "Unknown");
+}
+
+TEST(File, oneFileUnderTwoNamesIsNeverCopiedOntoItself) {
+  const qvTest::Directory scratch;
+  scratch.write("file", "precious");
+  fs::create_symlink("file", scratch.path("link"));
+  fs::create_hard_link(scratch.path("file"), scratch.path("hard"));
+  const std::string path = scratch.path("file");
+  for (const IString& name :
+       {wide(path), IString(path.c_str()), wide(scratch.path("link")), wide(scratch.path("hard"))}) {
+    File file(wide(path));
+    File same(name);
+    EXPECT_EQ(file.copyTo(same).num(), 7);
+    const Error moved = same.moveTo(file);
+    EXPECT_TRUE(moved.num() == 7 || name == wide(path) || name == IString(path.c_str()));
+    EXPECT_EQ(scratch.read("file"), "precious");
+    EXPECT_EQ(scratch.entries(), 3);
+  }
+  fs::create_directories(scratch.path("dir/sub"));
+  scratch.write("dir/f", "1");
+  fs::create_directory_symlink("dir/sub", scratch.path("short"));
+  for (const char* name : {"dir/sub/copy", "dir/copy", "short/copy"}) {
+    File directory(wide(scratch.path("dir")));
+    File inside(wide(scratch.path(name)));
+    EXPECT_EQ(directory.copyTo(inside).num(), 7) << name;
+    EXPECT_EQ(directory.moveTo(inside).num(), 7) << name;
+  }
+  EXPECT_EQ(scratch.entries(), 7);
+}
+
+TEST(File, treesAreCopiedAndDeletedWithoutFollowingLinks) {
+  const qvTest::Directory scratch;
+  fs::create_directories(scratch.path("tree/a/b"));
+  fs::create_directory(scratch.path("outside"));
+  scratch.write("tree/a/b/deep", "deep");
+  scratch.write("outside/kept", "kept");
+  scratch.write("tree/top", "top");
+  fs::create_directory_symlink("../outside", scratch.path("tree/out"));
+  fs::create_directory_symlink(".", scratch.path("tree/loop"));
+  fs::create_symlink("nowhere", scratch.path("tree/dangling"));
+  fs::create_symlink("top", scratch.path("tree/alias"));
+  ASSERT_EQ(mkfifo(scratch.path("tree/pipe").c_str(), 0600), 0);
+  File tree(wide(scratch.path("tree")));
+  File copy(wide(scratch.path("copy")));
+  for (int round = 0; round < 2; ++round)
+    EXPECT_EQ(tree.copyTo(copy).num(), 11) << "the pipe cannot be copied";
+  EXPECT_EQ(scratch.read("copy/a/b/deep"), "deep");
+  EXPECT_EQ(fs::read_symlink(scratch.path("copy/out")), "../outside");
+  EXPECT_EQ(fs::read_symlink(scratch.path("copy/loop")), ".");
+  EXPECT_EQ(fs::read_symlink(scratch.path("copy/dangling")), "nowhere");
+  EXPECT_FALSE(fs::is_symlink(scratch.path("copy/alias")));
+  EXPECT_EQ(scratch.read("copy/alias"), "top");
+
+  EXPECT_FALSE(File(wide(scratch.path("copy/out/"))).deleteSelf(0)) << "a link goes itself";
+  EXPECT_FALSE(File(wide(scratch.path("copy"))).deleteSelf(0));
+  EXPECT_FALSE(scratch.exists("copy"));
+  EXPECT_EQ(tree.deleteSelf(64).num(), 13) << "this entry only";
+  qvTest::failEveryCall(
+      EIO, nullptr, [] {}, [&] { static_cast<void>(File(wide(scratch.path("tree"))).deleteSelf(0)); },
+      [&] { EXPECT_EQ(scratch.read("outside/kept"), "kept"); });
+  EXPECT_FALSE(scratch.exists("tree"));
+}
+
+TEST(File, movesByRenamingAndOtherwiseByCopying) {
+  const qvTest::Directory scratch;
+  scratch.write("f", "new");
+  scratch.write("old", "old, and longer");
+  fs::create_directories(scratch.path("dir/sub"));
+  const auto move = [&](const char* from, const char* to) {
+    File source(wide(scratch.path(from)));
+    File target(wide(scratch.path(to)));
+    return source.moveTo(target).num();
+  };
+  EXPECT_EQ(move("missing", "x"), 2);
+  EXPECT_EQ(move("f", "old"), 0);
+  EXPECT_EQ(scratch.read("old"), "new");
+  EXPECT_FALSE(scratch.exists("f"));
+  EXPECT_EQ(move("old", "dir"), 4) << "a file cannot become a directory";
+  EXPECT_EQ(move("dir", "moved"), 0);
+  EXPECT_EQ(move("moved", "no/parent"), 4);
+  EXPECT_TRUE(scratch.exists("moved/sub"));
+  fs::create_directory(scratch.path("full"));
+  EXPECT_EQ(move("moved", "full"), 13) << "what was copied into a directory that exists stays as well";
+  EXPECT_TRUE(scratch.exists("moved/sub") && scratch.exists("full/sub"));
+}
+
+TEST(File, directories) {
+  const qvTest::Directory scratch;
+  const IString root = wide(scratch.path());
+  scratch.write("file", "");
+  const struct {
+    int line;
+    const char* name;
+    int code;
+  } rows[] = {
+      {__LINE__, "\\a\\b\\c", 0}, {__LINE__, "\\a\\b\\c", 0}, {__LINE__, "\\t\\u\\", 0},
+      {__LINE__, "/v/w", 0},      {__LINE__, "\\file\\x", 2}, {__LINE__, "\\file", 2},
+      {__LINE__, "", 0},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(File(root + IString(row.name)).makeDirectoryAll().num(), row.code) << row.line;
+  for (const char* name : {"a/b/c", "t/u", "v/w"}) EXPECT_TRUE(fs::is_directory(scratch.path(name)));
+  EXPECT_EQ(File(root + "\\a").makeDirectory().num(), 2);
+  EXPECT_EQ(File(root + "\\x\\y").makeDirectory().num(), 4);
+
+  File file(root + "\\late");
+  EXPECT_FALSE(file.isDirectory());
+  EXPECT_FALSE(file.makeDirectory());
+  EXPECT_TRUE(file.isDirectory()) << "only an answer is remembered";
+  fs::remove(scratch.path("late"));
+  EXPECT_TRUE(file.isDirectory());
+
+  // A name of 260 characters that ends in no separator is too long to be listed.
+  std::string longPath = scratch.path();
+  while (longPath.size() < 257 - 101) longPath += "/" + std::string(100, 'd');
+  longPath += "/" + std::string(256 - longPath.size(), 'e');
+  fs::create_directories(longPath);
+  qv::vector<IString> names;
+  EXPECT_FALSE(File(wide(longPath)).readDir(names, false));
+  fs::create_directories(longPath + "x");
+  EXPECT_EQ(wide(longPath + "x").length(), 260u);
+  EXPECT_EQ(File(wide(longPath + "x")).readDir(names, false).num(), 12);
+
+  qvTest::failEveryCall(
+      EIO, "readdir", [] {},
+      [&] {
+        const Error error = File(root).readDir(names, false);
+        EXPECT_TRUE(error ? error.num() == 4 && names.empty() : names.size() == 7);
+      },
+      [] {});
+}
+
+TEST(File, temporaries) {
+  const qvTest::Directory scratch;
+  File file(wide(scratch.path("name.ext")));
+  ASSERT_FALSE(file.openTemp(writeFlag));
+  EXPECT_FALSE(file.write("t", 1, nullptr));
+  EXPECT_FALSE(file.close());
+  const fs::path made = qvTest::native(file.getFullName());
+  EXPECT_EQ(made.parent_path(), scratch.path());
+  EXPECT_EQ(made.filename().string().substr(0, 3), "nam");
+  EXPECT_EQ(scratch.read(made.filename().string()), "t");
+  File directory(wide(scratch.path("dir")));
+  ASSERT_FALSE(directory.makeTempDirectory());
+  const std::string name = fs::path(qvTest::native(directory.getFullName())).filename();
+  EXPECT_EQ(name.size(), 10u);
+  EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxy"), std::string::npos);
+  EXPECT_TRUE(fs::is_directory(scratch.path(name)));
+  EXPECT_EQ(File(wide(scratch.path("no/x"))).openTemp(8).num(), 18);
+  EXPECT_EQ(File(wide(scratch.path("no/x"))).makeTempDirectory().num(), 4);
+  qvTest::failEveryCall(
+      EEXIST, "open", [] {}, [&] { EXPECT_FALSE(File(wide(scratch.path("again"))).openTemp(8)); }, [] {});
+}
+
+TEST(File, statusTellsWhatTheFileIs) {
+  const qvTest::Directory scratch;
+  scratch.write("f", "12345");
+  fs::create_directory_symlink(".", scratch.path("link"));
+  struct stat expected;
+  ASSERT_EQ(stat(scratch.path("f").c_str(), &expected), 0);
+  FileStatus status;
+  ASSERT_FALSE(File(wide(scratch.path("f"))).query(status, true));
+  EXPECT_TRUE(status.exists() && status.isFile() && status.isReadable() && status.isWritable());
+  EXPECT_FALSE(status.isDirectory() || status.isRemote() || status.isCheckedout());
+  EXPECT_EQ(status.getSize(), 5);
+  EXPECT_EQ(status.getLastModifiedDate(), expected.st_mtime);
+  EXPECT_EQ(status.getCreationDate(), expected.st_ctime);
+  EXPECT_NE(std::string(status.getOwner().asChar()).find('\\'), std::string::npos);
+  EXPECT_NE(std::string(status.getGroup().asChar()).find('\\'), std::string::npos);
+  ASSERT_FALSE(File::query(wide(scratch.path("link")), status));
+  EXPECT_TRUE(status.isDirectory() && status.exists() && !status.isFile());
+
+  for (const char* name : {"missing", "f/below"}) {
+    status.setExists(true);
+    status.setSize(9);
+    EXPECT_FALSE(File::query(wide(scratch.path(name)), status)) << "no such file is no error";
+    EXPECT_FALSE(status.exists() || status.getSize());
+  }
+  const Error error = File::query(wide(scratch.path(std::string(300, 'n'))), status);
+  EXPECT_EQ(error.num(), 4);
+  EXPECT_STREQ(error.message(), strerror(ENAMETOOLONG));
+  ASSERT_FALSE(File::query(IString("/dev/null"), status));
+  EXPECT_FALSE(status.exists()) << "neither a file nor a directory";
+  const IString missing = wide(scratch.path("missing"));
+  const Error unknown = File(missing).getTransport()->queryOwnerGroup(status);
+  EXPECT_EQ(unknown.num(), -1);
+  EXPECT_EQ(std::string(unknown.message()),
+            std::string("Failed to query Owner/Group of ") + missing.asUTF8());
+}
+
+TEST(File, permissionsOfAnOrdinaryUser) {
+  const qvTest::Directory scratch;
+  for (const char* name : {"readonly", "unreadable", "dir/kept", "dir/sub/x"}) {
+    fs::create_directories(fs::path(scratch.path(name)).parent_path());
+    scratch.write(name, "1");
+  }
+  const auto all = fs::perms::all;
+  fs::permissions(scratch.path(), all);
+  fs::permissions(scratch.path("readonly"), fs::perms(0444));
+  fs::permissions(scratch.path("unreadable"), fs::perms::none);
+  fs::permissions(scratch.path("dir"), all);
+  fs::permissions(scratch.path("dir/sub"), fs::perms(0555));
+  EXPECT_EQ(qvTest::inChild([&] {
+              ASSERT_TRUE(qvTest::giveUpRoot());
+              FileStatus status;
+              EXPECT_FALSE(File::query(wide(scratch.path("readonly")), status));
+              EXPECT_TRUE(status.isReadable() && !status.isWritable());
+              EXPECT_FALSE(File::query(wide(scratch.path("unreadable")), status));
+              EXPECT_TRUE(status.exists() && !status.isReadable());
+              EXPECT_EQ(File(wide(scratch.path("unreadable"))).open(readFlag).num(), 4);
+              EXPECT_EQ(File(wide(scratch.path("readonly"))).open(writeFlag).num(), 4);
+              EXPECT_EQ(File(wide(scratch.path("dir"))).deleteSelf(0).num(), 13);
+            }),
+            0);
+  EXPECT_EQ(scratch.read("dir/sub/x"), "1");
+  EXPECT_FALSE(scratch.exists("dir/kept")) << "what can be deleted goes";
+}
+
+} // namespace

@@ -1,0 +1,291 @@
+#include "Base/OS/qvOSProtectedWrite.h"
+
+#include "Base/OS/tests/qvOSTestName.h"
+#include "testing/qvTestChild.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using qvOS::ProtectedWrite;
+
+const std::string oldText(50000, 'o');
+const std::string newText(70000, 'n');
+
+/// A main file in one directory, and the temporary directory for the process in another.
+class ProtectedWriteTest : public testing::Test {
+protected:
+  ProtectedWriteTest() {
+    if (const char* before = std::getenv("TMPDIR")) before_ = before;
+    setenv("TMPDIR", temporary.path().c_str(), 1);
+  }
+  ~ProtectedWriteTest() override { before_ ? setenv("TMPDIR", before_->c_str(), 1) : unsetenv("TMPDIR"); }
+
+  void prepare(bool oldFile = true) {
+    for (const qvTest::Directory* directory : {&home, &temporary}) {
+      for (const auto& entry : fs::directory_iterator(directory->path())) fs::remove_all(entry);
+    }
+    if (oldFile) home.write("main.dat", oldText);
+  }
+
+  qvOS::Filename mainName() const { return qvTest::filename(home.path("main.dat")); }
+
+  static void writeNew(const ProtectedWrite& save) {
+    std::ofstream(qvTest::native(save.getTempFilename().name()), std::ios::binary) << newText;
+  }
+
+  /// @return whether the save tells that it succeeded.
+  bool saveOnce(bool copies) const {
+    ProtectedWrite save(mainName());
+    if (copies) save.useCopyStrategy();
+    if (!save.init()) return false;
+    writeNew(save);
+    return save.finalize();
+  }
+
+  /// True if the main file is whole, or is absent while the old one stands whole under a backup name. A copy
+  /// that was cut off may also stand at the main name.
+  bool nothingIsLost(bool copies) const {
+    const std::string main = home.read("main.dat");
+    if (main == oldText || main == newText) return true;
+    if (!copies && home.exists("main.dat")) return false;
+    const qvTest::Directory& directory = copies ? temporary : home;
+    for (const auto& entry : fs::directory_iterator(directory.path())) {
+      const std::string name = entry.path().filename().string();
+      if (name.ends_with(".1.tmp") && name.starts_with("mai") && directory.read(name) == oldText) return true;
+    }
+    return false;
+  }
+
+  qvTest::Directory home;
+  qvTest::Directory temporary;
+
+private:
+  std::optional<std::string> before_;
+};
+
+TEST_F(ProtectedWriteTest, savesNewAndOldFilesByBothStrategies) {
+  for (const bool copies : {false, true}) {
+    for (const bool oldFile : {false, true}) {
+      SCOPED_TRACE(testing::Message() << "copies " << copies << ", old file " << oldFile);
+      prepare(oldFile);
+      EXPECT_TRUE(saveOnce(copies));
+      EXPECT_EQ(home.read("main.dat"), newText);
+      EXPECT_EQ(home.entries(), 1);
+      EXPECT_EQ(temporary.entries(), 0);
+    }
+  }
+}
+
+TEST_F(ProtectedWriteTest, oddNames) {
+  for (const std::string& name : {std::string("a"), std::string("\xF0\x9F\x98\x80\xF0\x9F\x98\x80 x"),
+                                  std::string("b\xFF:\\c"), std::string(255, 'x'), std::string(".hidden")}) {
+    prepare(false);
+    home.write(name, oldText);
+    ProtectedWrite save(qvOS::Filename(qvTest::wide(home.path(name)), QV_W('/')));
+    ASSERT_TRUE(save.init()) << name;
+    EXPECT_EQ(fs::path(qvTest::native(save.getTempFilename().name())).parent_path(), home.path());
+    writeNew(save);
+    EXPECT_TRUE(save.finalize()) << name;
+    EXPECT_EQ(home.read(name), newText);
+    EXPECT_EQ(home.entries(), 1);
+  }
+}
+
+TEST_F(ProtectedWriteTest, everyRefusalLeavesTheOldFile) {
+  const auto finalizeAfter = [&](auto step) {
+    prepare();
+    ProtectedWrite save(mainName());
+    EXPECT_TRUE(save.init());
+    EXPECT_TRUE(save.init()) << "a second one changes nothing";
+    step(save);
+    EXPECT_FALSE(save.finalize());
+    EXPECT_FALSE(save.finalize());
+    EXPECT_FALSE(save.init());
+    EXPECT_EQ(home.read("main.dat"), oldText);
+    EXPECT_EQ(home.entries(), 1);
+    return save.getStatus();
+  };
+  EXPECT_EQ(finalizeAfter([](ProtectedWrite&) {}), ProtectedWrite::statusTempMissing);
+  EXPECT_EQ(finalizeAfter([](ProtectedWrite& save) {
+              writeNew(save);
+              save.invalidate();
+            }),
+            ProtectedWrite::statusInvalidated);
+
+  prepare();
+  {
+    ProtectedWrite abandoned(mainName());
+    EXPECT_TRUE(abandoned.finalize()) << "nothing was begun";
+    ASSERT_TRUE(abandoned.init());
+    writeNew(abandoned);
+    EXPECT_EQ(home.entries(), 2);
+  }
+  EXPECT_EQ(home.entries(), 1) << "leaving abandons the save";
+  EXPECT_EQ(home.read("main.dat"), oldText);
+}
+
+TEST_F(ProtectedWriteTest, failuresOfTheSystemHaveTheirStatus) {
+  const struct {
+    int line;
+    const char* call; // which call fails after `init`
+    int n;
+    ProtectedWrite::status expected;
+  } rows[] = {
+      {__LINE__, "sync", 0, ProtectedWrite::statusTempMissing},
+      {__LINE__, "stat", 1, ProtectedWrite::statusBackupFailed},
+      {__LINE__, "rename", 0, ProtectedWrite::statusBackupFailed},
+      {__LINE__, "rename", 1, ProtectedWrite::statusMainNotWritable},
+      {__LINE__, "attributes", 0, ProtectedWrite::statusOk},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    prepare();
+    ProtectedWrite save(mainName());
+    ASSERT_TRUE(save.init());
+    writeNew(save);
+    qvTest::PlatformScript script;
+    script.failCall(row.n, EIO, row.call);
+    EXPECT_EQ(save.finalize(), row.expected == ProtectedWrite::statusOk);
+    EXPECT_EQ(save.getStatus(), row.expected);
+    EXPECT_EQ(home.read("main.dat"), row.expected == ProtectedWrite::statusOk ? newText : oldText);
+  }
+}
+
+TEST_F(ProtectedWriteTest, anyFailingCallLeavesOldOrNew) {
+  for (const bool copies : {false, true}) {
+    for (const int error : {EIO, ENOSPC, EACCES}) {
+      for (const bool persistent : {false, true}) {
+        SCOPED_TRACE(testing::Message()
+                     << "copies " << copies << ", error " << error << ", persistent " << persistent);
+        for (int n = 0;; ++n) {
+          SCOPED_TRACE(n);
+          ASSERT_LT(n, 1000);
+          prepare();
+          qvTest::PlatformScript script;
+          script.failCall(n, error, nullptr, persistent ? 100000 : 1);
+          const bool saved = saveOnce(copies);
+          ASSERT_TRUE(nothingIsLost(copies));
+          if (saved || !persistent) {
+            ASSERT_EQ(home.read("main.dat"), saved ? newText : oldText);
+          }
+          if (!script.failures()) break;
+        }
+      }
+    }
+  }
+}
+
+int callsToLive;
+
+TEST_F(ProtectedWriteTest, aKilledProcessLeavesOldOrNew) {
+  constexpr int killed = 99;
+  for (const bool copies : {false, true}) {
+    int status = killed;
+    int died = 0;
+    for (; status == killed; ++died) {
+      SCOPED_TRACE(testing::Message() << "copies " << copies << ", killed before call " << died);
+      prepare();
+      status = qvTest::inChild([&] {
+        callsToLive = died;
+        qvPlatform::callHook = [](const char*) noexcept -> int {
+          if (callsToLive-- == 0) _exit(killed);
+          return 0;
+        };
+        EXPECT_TRUE(saveOnce(copies));
+      });
+      ASSERT_TRUE(nothingIsLost(copies));
+    }
+    EXPECT_EQ(status, 0);
+    EXPECT_GT(died, 10);
+    EXPECT_EQ(home.read("main.dat"), newText);
+  }
+}
+
+TEST_F(ProtectedWriteTest, newFileTakesTheAttributesOfTheOld) {
+  for (const bool copies : {false, true}) {
+    prepare();
+    const bool root = geteuid() == 0;
+    ASSERT_TRUE(!root || chown(home.path("main.dat").c_str(), 1234, 2345) == 0);
+    fs::permissions(home.path("main.dat"), fs::perms(0640));
+    ASSERT_TRUE(saveOnce(copies));
+    struct stat status;
+    ASSERT_EQ(stat(home.path("main.dat").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_TRUE(!root || (status.st_uid == 1234 && status.st_gid == 2345));
+    EXPECT_EQ(home.read("main.dat"), newText);
+  }
+}
+
+TEST_F(ProtectedWriteTest, ordinaryUserIsRefusedAtOnce) {
+  prepare();
+  fs::permissions(home.path("main.dat"), fs::perms(0444));
+  for (const qvTest::Directory* directory : {&home, &temporary})
+    fs::permissions(directory->path(), fs::perms(0777));
+  EXPECT_EQ(qvTest::inChild([&] {
+              ASSERT_TRUE(qvTest::giveUpRoot());
+              ProtectedWrite save(mainName());
+              EXPECT_FALSE(save.init());
+              EXPECT_EQ(save.getStatus(), ProtectedWrite::statusMainNotWritable);
+              EXPECT_TRUE(save.getTempFilename().name().isEmpty());
+              EXPECT_FALSE(save.finalize());
+            }),
+            0);
+  EXPECT_EQ(home.read("main.dat"), oldText);
+}
+
+TEST_F(ProtectedWriteTest, specialFilesStayWhatTheyAre) {
+  prepare(false);
+  ASSERT_EQ(mkfifo(home.path("main.dat").c_str(), 0600), 0);
+  EXPECT_FALSE(saveOnce(false));
+  EXPECT_TRUE(fs::is_fifo(home.path("main.dat")));
+}
+
+TEST_F(ProtectedWriteTest, copyStrategyWantsItsDirectory) {
+  prepare();
+  setenv("TMPDIR", temporary.path("sub").c_str(), 1);
+  const auto initStatus = [&] {
+    ProtectedWrite save(mainName());
+    save.useCopyStrategy();
+    const bool begun = save.init();
+    EXPECT_EQ(begun, save.getStatus() == ProtectedWrite::statusOk);
+    return save.getStatus();
+  };
+  EXPECT_EQ(initStatus(), ProtectedWrite::statusTempDirCreated);
+  EXPECT_TRUE(temporary.exists("sub"));
+  EXPECT_EQ(initStatus(), ProtectedWrite::statusOk);
+  fs::remove(temporary.path("sub"));
+  temporary.write("sub", "");
+  EXPECT_EQ(initStatus(), ProtectedWrite::statusTempDirNotDirectory);
+}
+
+// The variable is read once in a process, so each answer needs a fresh one.
+TEST_F(ProtectedWriteTest, environmentChoosesCopies) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto saveAndExit = [&](bool set) {
+    if (set) setenv("VELUM_PROTECTED_WRITE_USE_COPY", "", 1);
+    bool copies = false;
+    {
+      ProtectedWrite save(mainName());
+      const fs::path directory = save.init() ? qvTest::native(save.getTempFilename().dirname()) : "";
+      copies = directory == temporary.path();
+      if (!copies && directory != home.path()) std::fprintf(stderr, "neither directory\n");
+    }
+    for (const qvTest::Directory* directory : {&home, &temporary}) fs::remove_all(directory->path());
+    std::_Exit(copies);
+  };
+  for (const bool set : {false, true}) EXPECT_EXIT(saveAndExit(set), testing::ExitedWithCode(set), "^$");
+}
+
+} // namespace

@@ -1,0 +1,101 @@
+#include "Base/OS/qvOSTemporary.h"
+
+#include "Base/OS/tests/qvOSTestName.h"
+#include "testing/qvTestChild.h"
+#include "testing/qvTestDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace qvOS;
+using qvString::CString;
+using qvString::IString;
+
+bool isNameOf(const IString& name, const std::string& pattern) {
+  return std::regex_match(qvTest::native(name), std::regex(pattern));
+}
+
+TEST(Temporary, namesAreUniqueAndNotReserved) {
+  const std::string directory = qvTest::native(getTempDirectory().name());
+  EXPECT_TRUE(getTempDirectory().isAbsolute());
+  const std::string process = std::to_string(getpid());
+  const Filename plain = createTmpFilename("0.tmp", nullptr);
+  EXPECT_TRUE(isNameOf(plain.name(), directory + "/QVT[0-9A-F]+" + process + "\\.0\\.tmp"))
+      << plain.name().asUTF8();
+  EXPECT_FALSE(fs::exists(qvTest::native(plain.name())));
+  EXPECT_NE(plain.name(), createTmpFilename("0.tmp", nullptr).name());
+  EXPECT_TRUE(isNameOf(createTmpFilename("", QV_W("a.bcd")).name(), directory + "/a\\.b[0-9A-F]+" + process));
+
+  const qvTest::Directory scratch;
+  const Filename variant = createNewFilenameVariant(qvTest::filename(scratch.path()), nullptr, "x");
+  EXPECT_TRUE(isNameOf(variant.name(), scratch.path() + "/rec[0-9A-F]+" + process + "\\.x"));
+  EXPECT_EQ(scratch.entries(), 0);
+  const Filename failed = createNewFilenameVariant(qvTest::filename(scratch.path("missing")), nullptr, "x");
+  EXPECT_TRUE(isNameOf(failed.name(), "/" + process + "\\.x")) << failed.name().asUTF8();
+
+  char* narrow = qvOS_CreateTemporaryFileName("t");
+  EXPECT_TRUE(isNameOf(IString(narrow), directory + "/QVT.*\\.t"));
+  std::free(narrow);
+  qv::WChar* wide = qvOS_GetTemporaryDirectoryW();
+  EXPECT_EQ(IString(wide), getTempDirectory().name());
+  std::free(wide);
+}
+
+TEST(Temporary, sweepTakesOldScratchFilesOnly) {
+  const struct {
+    int line;
+    const char* name;
+    bool goes;
+  } rows[] = {
+      {__LINE__, "kel12.unload", false},   {__LINE__, "kel123.unload", true},
+      {__LINE__, "xel123.unload", false},  {__LINE__, "kelpaTempWire.", false},
+      {__LINE__, "kelpaTempWire.1", true}, {__LINE__, ".ac$", false},
+      {__LINE__, "a.ac$", true},           {__LINE__, "jam123out", false},
+      {__LINE__, "jam123out4", true},      {__LINE__, "jam12out4", false},
+      {__LINE__, "jam123outx", false},     {__LINE__, "jam12cmd3.bat", false},
+      {__LINE__, "jam123cmd4.bat", true},  {__LINE__, "scratch.tmp", false},
+  };
+  const qvTest::Directory scratch;
+  const auto eightDays = std::chrono::hours(8 * 24);
+  int expected = 0;
+  for (const auto& row : rows) {
+    fs::last_write_time(scratch.write(row.name, ""), fs::file_time_type::clock::now() - eightDays);
+    expected += row.goes;
+  }
+  scratch.write("young.ac$", "");
+  fs::create_directory(scratch.path("dir.ac$"));
+  fs::create_symlink("nowhere", scratch.path("dangling.ac$"));
+  EXPECT_EQ(cleanupTempDirectory(qvTest::wide(scratch.path())), expected);
+  EXPECT_EQ(cleanupTempDirectory(qvTest::wide(scratch.path() + "/")), 0);
+  for (const auto& row : rows) EXPECT_EQ(scratch.exists(row.name), !row.goes) << row.line;
+  for (const char* name : {"young.ac$", "dir.ac$", "dangling.ac$"}) EXPECT_TRUE(scratch.exists(name)) << name;
+  EXPECT_EQ(cleanupTempDirectory(IString("C:\\no\\such\\directory")), 0);
+}
+
+TEST(Temporary, typeNames) {
+  const struct {
+    int line;
+    const char *name, *expected;
+  } rows[] = {
+      {__LINE__, "class A", "A"},
+      {__LINE__, "class ", "class "},
+      {__LINE__, "classA", "classA"},
+      {__LINE__, "struct A", "struct A"},
+      {__LINE__, "", ""},
+      {__LINE__, nullptr, ""},
+  };
+  for (const auto& row : rows) {
+    CString result("before");
+    cleanupTypeIdName(row.name, result);
+    EXPECT_STREQ(result.asChar(), row.expected) << row.line;
+    EXPECT_STREQ(cleanupTypeIdName(row.name), row.expected) << row.line;
+  }
+}
+
+} // namespace
