@@ -71,19 +71,24 @@ WideText resolveDotDot(WideView text, WChar sep) {
   return walked;
 }
 
+/// The canonical form of a path that has one kind of separator.
+WideText reduced(WideView path, WChar sep) {
+  WideText text = collapseSeparators(path, searchedSeparator(sep));
+  text.resize(lengthWithoutTrailing(WideView(text), sep));
+  return resolveDotDot(text, sep);
+}
+
 } // namespace
 
 /// The parts, taken apart at construction. They follow the owner's path no further.
-class Filename::FilenameParts {
+class FilenameParts {
 public:
   FilenameParts(const IString* path, WChar sep) : source(path), separator(sep) {
-    const WideView whole = source->view();
-    if (whole.empty()) return;
-    WideView rest = whole;
-    const bool unc = splitPrefix(rest);
-    prefix = IString(whole.substr(0, prefixLength_));
+    WideView rest = source->view();
+    if (rest.empty()) return;
+    const bool onShare = splitPrefix(rest);
     splitRest(rest);
-    completeDirname(unc);
+    completeDirname(onShare);
     splitBasename();
   }
 
@@ -98,15 +103,12 @@ public:
 private:
   /// Cuts the prefix from `rest`. @return true where a name on a network share follows it.
   bool splitPrefix(WideView& rest) {
-    const WideView whole = rest;
-    if (startsWithDrive(whole)) {
-      prefixLength_ = 2;
-    } else if (startsWithTwoBackslashes(whole)) {
-      prefixLength_ = shareLength(whole);
-    }
-    const bool share = startsWithTwoBackslashes(whole) && prefixLength_ + 1 < whole.size();
-    rest.remove_prefix(prefixLength_);
-    if (startsWithTwoBackslashes(whole) && !rest.empty()) rest.remove_prefix(1);
+    const bool drive = startsWithDrive(rest);
+    const bool network = !drive && startsWithTwoBackslashes(rest);
+    const std::size_t length = drive ? 2 : network ? shareLength(rest) : 0;
+    prefix = IString(rest.substr(0, length));
+    const bool share = network && length + 1 < rest.size();
+    rest.remove_prefix(network && length < rest.size() ? length + 1 : length);
     return share;
   }
 
@@ -128,9 +130,9 @@ private:
     basename = IString(rest.substr(last + 1));
   }
 
-  void completeDirname(bool unc) {
+  void completeDirname(bool onShare) {
     // The backslash behind a share is the system's, whatever the separator is.
-    if (unc && !dirname.isEmpty()) dirname.prepend(backslash);
+    if (onShare && !dirname.isEmpty()) dirname.prepend(backslash);
     dirname.prepend(prefix);
   }
 
@@ -141,13 +143,6 @@ private:
     baseTrunk = IString(name.substr(0, dot));
     if (dot != WideView::npos) baseSuffix = IString(name.substr(dot + 1));
   }
-
-  std::size_t prefixLength_ = 0;
-};
-
-/// The layout that callers compiled elsewhere rely on.
-struct Filename::Layout {
-  static_assert(sizeof(void*) != 8 || (sizeof(Filename) == 40 && alignof(Filename) == 8));
 };
 
 Filename::Filename() : separator_(separator()) {}
@@ -249,10 +244,7 @@ void Filename::removeSlashDotDotSlash(IString& text, WChar sep) {
 }
 
 void Filename::canonicalize(const IString& in, WChar sep, IString& out) {
-  out = IString(unifySeparators(in.view(), sep));
-  removeDuplicateSeparators(out, sep);
-  removeTrailingSeparators(out, sep);
-  removeSlashDotDotSlash(out, sep);
+  out = IString(reduced(unifySeparators(in.view(), sep), sep));
 }
 
 // The parts go last: the new path may be one of them.
@@ -267,14 +259,11 @@ void Filename::assign(const IString& a, const IString& b) {
   const bool bareDrive = directory.size() == 2 && directory[1] == ':';
   WideText joined(directory);
   if (!b.isEmpty() && !directory.empty() && !bareDrive) joined += sep;
-  path_ = IString(joined.append(b.view()));
-  removeDuplicateSeparators(path_, sep);
-  removeTrailingSeparators(path_, sep);
-  removeSlashDotDotSlash(path_, sep);
+  path_ = IString(reduced(joined.append(b.view()), sep));
   deleteImpl();
 }
 
-const Filename::FilenameParts& Filename::split() const {
+const FilenameParts& Filename::split() const {
   if (!parts_) parts_ = new FilenameParts(&path_, separator_);
   return *parts_;
 }

@@ -10,6 +10,8 @@
 
 namespace qvOS {
 
+class FilenameParts;
+
 /// A path, canonical for the separator with which it was assigned: one kind of separator, none doubled but a
 /// leading pair, none at the end but a root's, and no "\..\" that could be resolved.
 ///
@@ -88,16 +90,15 @@ protected:
   void assign(const qvString::IString& a, const qvString::IString& b);
 
 private:
-  class FilenameParts;
-  struct Layout;
-
   const FilenameParts& split() const;
   void deleteImpl();
 
   qv::WChar separator_;
   qvString::IString path_;
-  mutable FilenameParts* parts_ = nullptr;
+  mutable FilenameParts* parts_ = nullptr; // null until first asked for
 };
+
+static_assert(sizeof(Filename) == 5 * sizeof(void*));
 
 /// True where Windows keeps the name for a device, with any suffix and in any case: CON, PRN, AUX, NUL, and
 /// COM or LPT with a digit from 1 to 9.

@@ -42,6 +42,7 @@ StreamMode parseMode(const char* mode) {
 /// Repeats `step`, which returns how many bytes went, until `size` are done, the end is reached, or it fails.
 template <class Step>
 int streamAll(const char* name, std::FILE* stream, std::size_t size, std::size_t* count, Step step) {
+  if (ferror(stream)) clearerr(stream); // What an earlier call reported is not this one's failure.
   std::size_t done = 0;
   int error = 0;
   while (done < size) {

@@ -249,7 +249,8 @@ TEST(PlatformFile, RenamesWithoutReplacing) {
       EXPECT_EQ(directory.entries(), entries);
       EXPECT_EQ(directory.read("other"), "precious");
       EXPECT_EQ(std::filesystem::symlink_status(error ? from : to).type(), kind);
-      EXPECT_EQ(directory.exists(row.source), error ? kind != std::filesystem::file_type::not_found : from == to);
+      EXPECT_EQ(directory.exists(row.source),
+                error ? kind != std::filesystem::file_type::not_found : from == to);
     }
 }
 
