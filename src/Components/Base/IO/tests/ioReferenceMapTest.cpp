@@ -1,0 +1,241 @@
+// References: forward, cyclic, aliased, undefined and left over; the address table beside a model.
+#include "Base/IO/ioAddressTable.h"
+#include "testing/qvTestPacketFile.h"
+#include "testing/qvTestSeed.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <unordered_map>
+
+namespace {
+
+using qvTest::PacketReading;
+using qvTest::readPackets;
+using qvTest::writePackets;
+
+struct Node {
+  int value = 0;
+  Node* next = nullptr;
+};
+
+std::string writeNodes(const std::vector<Node>& nodes, ioWriteMethod method = ioWriteBinary) {
+  return writePackets(method, {"node"}, [&](ioWriteContext& c) {
+    for (const Node& node : nodes) {
+      c.startPacket("node", &node);
+      c.writeInt(node.value);
+      c.writeReference(node.next, false);
+      c.endPacket();
+    }
+  });
+}
+
+/// Reads nodes into the places of `nodes`, one after the other.
+qvTest::PacketReader nodeReader(std::vector<Node>& nodes, std::size_t& count) {
+  return [&](ioReadContext& c) {
+    Node& node = nodes.at(count++);
+    c.definePacketReference(&node);
+    c.readInt(node.value);
+    c.readReferenceUsage(&node.next, node.value);
+  };
+}
+
+TEST(ioReference, objectsComeBackWithTheirPointers) {
+  constexpr int million = 1'000'000;
+  const struct {
+    int line, count;
+    int (*next)(int index, int count); // -1 for null
+  } shapes[] = {
+      {__LINE__, million, [](int i, int n) { return i + 1 < n ? i + 1 : -1; }}, // a chain, each link forward
+      {__LINE__, million, [](int i, int) { return i - 1; }},
+      {__LINE__, 300'000, [](int, int n) { return n - 1; }}, // all to one that comes last, itself too
+      {__LINE__, 1000, [](int i, int n) { return (i + 1) % n; }},
+      {__LINE__, 100'000, [](int i, int n) { return int(std::int64_t(i) * 7919 % n); }},
+  };
+  for (const auto& shape : shapes)
+    for (const ioWriteMethod method : {ioWriteBinary, ioWriteBinaryDebug}) {
+      std::vector<Node> nodes(shape.count), read(shape.count);
+      for (int i = 0; i < shape.count; ++i) {
+        const int next = shape.next(i, shape.count);
+        nodes[i] = {i, next < 0 ? nullptr : &nodes[next]};
+      }
+      std::size_t count = 0;
+      ASSERT_EQ(readPackets(writeNodes(nodes, method), {{"node", nodeReader(read, count)}}), ioOK);
+      ASSERT_EQ(count, nodes.size());
+      for (int i = 0; i < shape.count; ++i) {
+        ASSERT_EQ(read[i].value, i);
+        const int next = shape.next(i, shape.count);
+        ASSERT_EQ(read[i].next, next < 0 ? nullptr : &read[next]) << shape.line;
+      }
+    }
+}
+
+TEST(ioReference, theEndReportsWhatNeverCameAndWhatNobodyUsed) {
+  std::vector<Node> nodes(4);
+  nodes[0] = {10, &nodes[3]}; // never written
+  nodes[1] = {11, &nodes[3]};
+  nodes[2] = {12, &nodes[0]};
+  const std::string file = writePackets(ioWriteBinary, {"node"}, [&](ioWriteContext& c) {
+    for (int i = 0; i < 3; ++i) {
+      c.startPacket("node", &nodes[i]);
+      c.writeInt(nodes[i].value);
+      c.writeReference(nodes[i].next, false);
+      c.endPacket();
+    }
+  });
+  std::vector<Node> read(3);
+  std::size_t count = 0;
+  PacketReading reading(file, {{"node", nodeReader(read, count)}});
+  ASSERT_EQ(reading.read(), ioOK);
+  const qvTest::PacketType& type = reading.registry.type("node");
+  EXPECT_TRUE(type.isUnresolved());
+  EXPECT_TRUE(type.isUnreferenced());
+  std::vector<int> waiting = type.waiting;
+  std::sort(waiting.begin(), waiting.end());
+  EXPECT_EQ(waiting, (std::vector{10, 11}));
+  EXPECT_EQ(type.unused, (std::vector<void*>{&read[1], &read[2]}));
+  static std::vector<void*> slots; // for a function without a context
+  reading.context->reportUnresolvedPtrs(&type, [](void* slot, int) { slots.push_back(slot); });
+  std::sort(slots.begin(), slots.end());
+  EXPECT_EQ(slots, (std::vector<void*>{&read[0].next, &read[1].next}));
+  EXPECT_FALSE(reading.registry.lookup("packetFile_string")->isUnresolved());
+}
+
+TEST(ioReference, filesShareAMap) {
+  Node first{1, nullptr}, second{2, &first};
+  std::string file;
+  const auto map = ioPacketFileNewReferenceMap();
+  for (Node* const node : {&second, &first})
+    file += writePackets(ioWriteBinary, {"node"}, [&](ioWriteContext& c) {
+      c.associateReferenceMap(map.get());
+      c.startPacket("node", node);
+      c.writeInt(node->value);
+      c.writeReference(node->next, false);
+      c.endPacket();
+    });
+  std::vector<Node> read(2);
+  std::size_t count = 0;
+  PacketReading reading(file, {{"node", nodeReader(read, count)}});
+  EXPECT_EQ(reading.read(), ioOK);
+  EXPECT_EQ(read[0].next, nullptr);
+  EXPECT_TRUE(reading.context->reusePacketFile());
+  EXPECT_EQ(reading.read(), ioOK);
+  EXPECT_EQ(read[0].next, &read[1]);
+}
+
+TEST(ioReference, theWaysToReadAReference) {
+  static Node object, other;
+  const std::string file = writePackets(ioWriteBinary, {"t"}, [](ioWriteContext& c) {
+    c.startPacket("t", nullptr);
+    EXPECT_EQ(c.writeReference(nullptr, false), 0);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(c.writeReference(&object, false), 1);
+    c.undefineReference(&object);
+    EXPECT_EQ(c.getReference(&object), -1);
+    EXPECT_EQ(c.writeReference(&object, false), 2);
+    c.endPacket();
+    EXPECT_EQ(c.getReferenceMap()->newReference(&other), 3);
+    EXPECT_EQ(c.getReference(&other), 3);
+    c.undefineReference(2);
+    EXPECT_EQ(c.getReference(&object), -1);
+    EXPECT_EQ(c.getReference(nullptr), 0);
+  });
+  int packets = 0;
+  const auto client = [&](ioReadContext& c) {
+    ++packets;
+    int reference = -1;
+    EXPECT_EQ(c.readReferenceUsage(reference), nullptr);
+    EXPECT_EQ(reference, 0);
+    EXPECT_EQ(c.readReferenceUsage(reference), nullptr); // not defined yet
+    EXPECT_EQ(reference, 1);
+    void *slot = &c, *late = &c;
+    c.resolveReference(reference, &slot, 0);
+    EXPECT_EQ(slot, nullptr);
+    EXPECT_FALSE(c.isReferenceDefined(&object));
+    EXPECT_EQ(c.readReferenceDefinition(&object), 1);
+    EXPECT_EQ(slot, &object);
+    EXPECT_TRUE(c.isReferenceDefined(&object));
+    EXPECT_TRUE(c.isReferenceDefined(1));
+    EXPECT_EQ(c.readReferenceUsage(), &object);
+    c.resolveReference(1, &late, 0);
+    EXPECT_EQ(late, &object);
+    c.defineReferenceAlias(50, &object);
+    EXPECT_EQ(c.getReferenceDefinition(50), &object);
+    EXPECT_EQ(c.getReference(&object), 50);
+    c.useReference(&object);
+    c.undefineReference(&object);
+    EXPECT_EQ(c.getReferenceDefinition(50), nullptr);
+    EXPECT_EQ(c.getReference(&object), -1);
+    EXPECT_TRUE(c.isReferenceDefined(1));
+    c.defineReference(50, &other); // an undefined number stays so
+    EXPECT_FALSE(c.isReferenceDefined(50));
+  };
+  EXPECT_EQ(readPackets(file, {{"t", client}}), ioOK);
+  EXPECT_EQ(packets, 1);
+}
+
+TEST(ioReferenceMap, numbersOfAnyHeightAndSign) {
+  const auto map = ioPacketFileNewReferenceMap();
+  Node object;
+  for (const int reference : {0, -1, INT_MIN}) {
+    map->defineAddress(reference, &object, false);
+    map->markDefined(reference, nullptr);
+    map->useDefinition(reference, nullptr);
+    map->undefineNumber(reference);
+    void* slot = &object;
+    map->resolveUsage(reference, &slot, nullptr, 0);
+    EXPECT_EQ(slot, nullptr);
+    EXPECT_FALSE(map->isDefined(reference));
+    EXPECT_EQ(map->definitionOf(reference), nullptr);
+  }
+  EXPECT_EQ(map->referenceOf(&object), -1);
+  // Far numbers wait in the tree, and keep what waits for them when the blocks reach them.
+  const int far[] = {INT_MAX, 1'000'000, 30'000, 20'001, 1000, 9, 10};
+  void* slots[std::size(far)];
+  for (std::size_t i = 0; i < std::size(far); ++i) map->resolveUsage(far[i], &slots[i], nullptr, 0);
+  std::vector<Node> nodes(200'000);
+  for (std::size_t i = 0; i < nodes.size(); ++i) EXPECT_EQ(map->newReference(&nodes[i]), int(i) + 1);
+  map->defineAddress(INT_MAX, &object, false);
+  map->defineAddress(1'000'000, &object, true);
+  for (std::size_t i = 0; i < std::size(far); ++i) {
+    EXPECT_FALSE(map->isDefined(far[i]));
+    map->markDefined(far[i], nullptr);
+    EXPECT_EQ(slots[i], far[i] > 200'000 ? &object : &nodes[far[i] - 1]) << far[i];
+    EXPECT_EQ(map->definitionOf(far[i]), slots[i]);
+  }
+  EXPECT_FALSE(map->isDefined(INT_MAX - 1));
+  EXPECT_EQ(map->referenceOf(&object), 1'000'000);
+}
+
+TEST(ioReferenceMap, scatteredNumbersCostMemoryByTheirCount) {
+  const auto map = ioPacketFileNewReferenceMap();
+  qvTest::Random random;
+  std::vector<std::pair<int, void*>> slots(100'000);
+  for (auto& [reference, slot] : slots) {
+    reference = int(random() % INT_MAX) + 1;
+    map->resolveUsage(reference, &slot, nullptr, 0);
+  }
+  for (auto& [reference, slot] : slots) {
+    map->defineAddress(reference, &reference, false);
+    map->markDefined(reference, nullptr);
+  }
+  for (const auto& [reference, slot] : slots) ASSERT_EQ(*static_cast<int*>(slot), reference);
+}
+
+TEST(ioAddressTable, agreesWithAModelForAnySpacing) {
+  qvTest::Random random;
+  for (const std::uint64_t stride : {1ull, 16ull, 48ull, 4096ull, 1ull << 20, 1ull << 32, 0ull}) {
+    ioAddressTable table;
+    std::unordered_map<std::uint64_t, int> model;
+    for (int i = 1; i <= 20'000; ++i) {
+      const std::uint64_t address = stride ? 0x10000 + i / 2 * stride : random() | 1;
+      table.set(reinterpret_cast<const void*>(address), i); // every other one again
+      model[address] = i;
+    }
+    for (const auto& [address, number] : model) {
+      ASSERT_EQ(table.find(reinterpret_cast<const void*>(address)), number);
+      if (!model.contains(address + 1)) ASSERT_EQ(table.find(reinterpret_cast<const void*>(address + 1)), 0);
+    }
+  }
+}
+
+} // namespace
