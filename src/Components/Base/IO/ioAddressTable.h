@@ -45,10 +45,12 @@ inline ioAddressTable::Entry* ioAddressTable::slot(const void* address) const no
   // Each further stretch of addresses that wraps round lands at another offset, so that a stride of some
   // power of two does not crowd a few groups.
   std::uint64_t group = line + (line >> groupBits_) * 0x9E3779B1u;
-  for (bool home = true;; home = false) {
+  std::uint64_t step = 0;
+  for (;; group += step) {
     Entry* const entries = slots_ + (group & mask) * groupSize;
     for (int i = 0; i < groupSize; ++i)
       if (entries[i].address == address || !entries[i].address) return entries + i;
-    group = home ? (reinterpret_cast<std::uintptr_t>(address) * 0x9E3779B97F4A7C15u) >> 32 : group + 1;
+    // Full groups stand side by side: the next look is far away, and an odd step reaches every group.
+    if (step == 0) step = (reinterpret_cast<std::uintptr_t>(address) * 0x9E3779B97F4A7C15u) >> 24 | 1;
   }
 }

@@ -309,7 +309,10 @@ TEST(ioContextBinary, aModeOfALaterVersionIsPassedOver) {
   int packets = 0;
   Bytes file =
       Bytes(false).front().packet(2, 2, Bytes(false).value(5)).packet(2, 0, Bytes(false).value(6)).end();
-  const auto client = [&](ioReadContext& c) { EXPECT_EQ(c.fetchInt(), 6), ++packets; };
+  const auto client = [&](ioReadContext& c) {
+    ++packets;
+    EXPECT_EQ(c.fetchInt(), 6);
+  };
   EXPECT_EQ(readPackets(file, {{"t", client}}), ioOK);
   EXPECT_EQ(packets, 1);
 }
