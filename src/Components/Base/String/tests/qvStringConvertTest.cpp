@@ -38,29 +38,30 @@ template <class C, class Convert>
 Made<C> make(unsigned int room, Convert convert) {
   Made<C> made{0, false, std::basic_string<C>(8, static_cast<C>('#'))};
   made.count = convert(made.text.data(), room, &made.ok);
-  EXPECT_EQ(convert(nullptr, 0, nullptr), convert(nullptr, 1000, nullptr));
+  EXPECT_TRUE(made.count == 0 || made.count == convert(nullptr, 0, nullptr)) << "another size was told";
   while (!made.text.empty() && made.text.back() == static_cast<C>('#')) made.text.pop_back();
   return made;
 }
 
 Made<qv::WChar> fromLocale(const char* source, unsigned int count, unsigned int room) {
   return make<qv::WChar>(
-      room, [&](auto* to, unsigned int n, bool* ok) { return MBStoWCS(source, count, to, n, ok); });
+      room, [&](qv::WChar* to, unsigned int n, bool* ok) { return MBStoWCS(source, count, to, n, ok); });
 }
 
 Made<char> toLocale(const qv::WChar* source, unsigned int count, unsigned int room) {
   return make<char>(room,
-                    [&](auto* to, unsigned int n, bool* ok) { return WCStoMBS(source, count, to, n, ok); });
+                    [&](char* to, unsigned int n, bool* ok) { return WCStoMBS(source, count, to, n, ok); });
 }
 
 Made<qv::WChar> fromUtf8(const char* source, unsigned int count, unsigned int room, bool skip = false) {
-  return make<qv::WChar>(
-      room, [&](auto* to, unsigned int n, bool* ok) { return UTF8toWCS(source, count, to, n, skip, ok); });
+  return make<qv::WChar>(room, [&](qv::WChar* to, unsigned int n, bool* ok) {
+    return UTF8toWCS(source, count, to, n, skip, ok);
+  });
 }
 
 Made<char> toUtf8(const qv::WChar* source, unsigned int count, unsigned int room) {
   return make<char>(room,
-                    [&](auto* to, unsigned int n, bool* ok) { return WCStoUTF8(source, count, to, n, ok); });
+                    [&](char* to, unsigned int n, bool* ok) { return WCStoUTF8(source, count, to, n, ok); });
 }
 
 TEST_F(Convert, LocaleToWide) {
@@ -175,9 +176,9 @@ TEST_F(Convert, WideClasses) {
   }
   EXPECT_EQ(modifiers, 178);
   for (const qv::WChar c : {0x2103, 0x2190, 0x2460, 0x2473, 0x254B, 0x3013, 0x33CD, 0xFF1D, 0xFFE5})
-    EXPECT_TRUE(isLetterModifier(c)) << c;
+    EXPECT_TRUE(isLetterModifier(c)) << +c;
   for (const qv::WChar c : {0x2102, 0x2104, 0x245F, 0x2474, 0x30FF, 0xFFE6})
-    EXPECT_FALSE(isLetterModifier(c)) << c;
+    EXPECT_FALSE(isLetterModifier(c)) << +c;
   EXPECT_EQ(toUpper(QV_W('é')), QV_W('É'));
   EXPECT_EQ(toLower(QV_W('Я')), QV_W('я'));
 }
