@@ -1,6 +1,7 @@
 #include "Base/IO/ioBufferFileSubset.h"
 #include "Base/IO/ioBufferIOStream.h"
 #include "Base/IO/ioBufferTCP.h"
+#include "Base/IO/ioPackageFile.h"
 #include "Base/IO/ioBufferedStream.h"
 
 #include <climits>
@@ -103,4 +104,15 @@ int ioBufferedStreamInput::readData(char* buffer, int count) {
   const int got = bufferChain_->readBytes(buffer, count);
   promoteBufferStatus();
   return got;
+}
+
+void ioBufferedStreamInput::openPackageFileEntry(const ioPackageFileEntry* entry) {
+  status_ = ioStreamOK;
+  if (!entry) {
+    status_ = ioStreamFailed;
+  } else if (entry->getPackageName().isEmpty()) {
+    status_ = ioStreamOpenFailed;
+  } else {
+    openFileSlice(entry->getPackageName(), entry->getOffset(), entry->getSize());
+  }
 }

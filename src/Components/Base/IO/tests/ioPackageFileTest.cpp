@@ -1,0 +1,511 @@
+#include "Base/IO/ioPackageFile.h"
+
+#include "Base/IO/ioPacketRegistry.h"
+#include "Base/IO/ioPacketType.h"
+#include "Base/IO/ioWriteContext.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
+#include "testing/qvTestSeed.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+using qvString::IString;
+
+namespace {
+
+IString wide(const std::string& utf8) { return IString(utf8.c_str(), qvString::UTF8Encoding); }
+
+std::string randomBytes(qvTest::Random& random, std::size_t size, bool compressible) {
+  std::string bytes(size, '\0');
+  for (char& c : bytes) c = static_cast<char>(compressible ? 'a' + random.below(3) : random.bits());
+  return bytes;
+}
+
+std::string fileBytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const std::string& path, const std::string& bytes) {
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+/// The content of an entry, through its filters.
+std::string contentOf(const ioPackageFileEntry* entry) {
+  if (!entry) return "(no entry)";
+  ioBufferedStreamInput input;
+  input.openPackageFileEntry(entry);
+  if (entry->getCompressed()) {
+    input.compress(true);
+    input.checksum(true);
+  }
+  std::string bytes;
+  char block[5000];
+  while (input.good()) bytes.append(block, static_cast<std::size_t>(input.readData(block, sizeof block)));
+  input.close();
+  return bytes;
+}
+
+class PackageFile : public testing::Test {
+protected:
+  [[nodiscard]] std::string path(const std::string& name) const { return scratch_.path() + "/" + name; }
+
+  /// Stores `bytes` under `name`.
+  qvUtil::Error add(ioPackageFile& package, const std::string& name, const std::string& bytes,
+                    bool compress = false) {
+    writeFile(path("source"), bytes);
+    return package.addEntry(wide(path("source")), wide(name), compress);
+  }
+
+  void open(ioPackageFile& package, const std::string& file = "p.package") {
+    const qvUtil::Error error = package.open(wide(path(file)));
+    ASSERT_EQ(error.num(), 0) << error.message();
+  }
+
+private:
+  qvTest::Directory scratch_;
+};
+
+/// The plain picture of a package: regions in order, found first fit.
+class Model {
+public:
+  struct Region {
+    std::int64_t offset;
+    std::int64_t size;
+    std::string name; // empty where free
+    bool operator==(const Region&) const = default;
+  };
+
+  void add(const std::string& name, std::int64_t size) {
+    remove(name);
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+      if (!regions[i].name.empty() || regions[i].size < size) continue;
+      if (regions[i].size > size) {
+        const Region rest = {regions[i].offset + size, regions[i].size - size, ""};
+        regions.insert(regions.begin() + static_cast<std::ptrdiff_t>(i) + 1, rest);
+        dirty = true;
+      }
+      regions[i].size = size;
+      regions[i].name = name;
+      return;
+    }
+    regions.push_back({end(), size, name});
+    dirty = true;
+  }
+
+  bool remove(const std::string& name) {
+    for (Region& region : regions) {
+      if (region.name != name) continue;
+      region.name.clear();
+      dirty = true;
+      joinFree();
+      return true;
+    }
+    return false;
+  }
+
+  [[nodiscard]] std::int64_t end() const {
+    return regions.empty() ? 85 : regions.back().offset + regions.back().size;
+  }
+
+  std::vector<Region> regions;
+  bool dirty = false;
+
+private:
+  void joinFree() {
+    for (std::size_t i = regions.size() - 1; i > 0; --i) {
+      if (!regions[i].name.empty() || !regions[i - 1].name.empty()) continue;
+      regions[i - 1].size += regions[i].size;
+      regions.erase(regions.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+  }
+};
+
+/// Walks the records: contiguous from the header on, no two free neighbours, the directory last.
+void expectLayout(const ioPackageFile& package, const Model& model) {
+  std::vector<Model::Region> named;
+  for (const Model::Region& region : model.regions)
+    if (!region.name.empty()) named.push_back(region);
+  std::vector<Model::Region> found;
+  std::int64_t end = 85;
+  bool free = false;
+  for (int i = 0;; ++i) {
+    const ioPackageFileEntry* entry = package.getEntry(i);
+    if (!entry) {
+      ASSERT_FALSE(free) << "two free neighbours at record " << i;
+      free = true;
+      continue;
+    }
+    if (!free) { ASSERT_EQ(entry->getOffset(), end); }
+    free = false;
+    if (entry->getName() == IString(".")) {
+      ASSERT_EQ(entry->getOffset(), model.end());
+      ASSERT_EQ(package.getEntry(i + 1), nullptr);
+      break;
+    }
+    found.push_back({entry->getOffset(), entry->getSize(), entry->getName().asUTF8()});
+    end = entry->getOffset() + entry->getSize();
+  }
+  ASSERT_EQ(found, named);
+  ASSERT_EQ(package.size(), static_cast<int>(named.size()));
+}
+
+// ---- a package laid out by hand ----
+
+struct Record {
+  const char* name;
+  std::int64_t offset;
+  std::int64_t size;
+};
+
+class EntryRegistry : public ioPacketRegistry {
+public:
+  EntryRegistry() : ioPacketRegistry(false) {}
+
+protected:
+  void registerAllTypes() override { supportedType(new ioPacketType("package.entry")); }
+};
+
+constexpr std::int64_t handDirectory = 185;
+
+struct HandMade {
+  std::vector<Record> records;
+  int referenceAt = -1; // the packet of that record gets a reference
+  bool strings = false; // a packet that no directory holds
+  const char* firstByte = "\x8F";
+  const char* endOfHeader = "@\n";
+};
+
+void writeByHand(const std::string& path, const HandMade& made) {
+  std::string bytes = std::string(made.firstByte) +
+                      "KestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n" + made.endOfHeader;
+  char pointer[25];
+  std::snprintf(pointer, sizeof pointer, "%-23d\n", static_cast<int>(handDirectory));
+  bytes += pointer;
+  bytes.resize(handDirectory, 'x');
+  writeFile(path, bytes);
+  ioBufferedStreamOutput stream;
+  stream.truncateOnOpen(false);
+  stream.openFile(wide(path));
+  stream.seek(handDirectory);
+  EntryRegistry registry;
+  const std::unique_ptr<ioWriteContext> out(ioWriteContextAlloc(stream, ioWriteBinary, &registry));
+  out->startFile();
+  for (std::size_t i = 0; i < made.records.size(); ++i) {
+    const Record& record = made.records[i];
+    out->startPacket("package.entry", static_cast<int>(i) == made.referenceAt ? &record : nullptr);
+    out->writeCString(record.name);
+    out->writeInt64(record.offset);
+    out->writeInt64(record.size);
+    out->writeInt64(7);
+    out->writeBool(false);
+    out->endPacket();
+  }
+  if (made.strings) out->writeCStringPacket("astray");
+  out->endFile();
+  stream.close();
+}
+
+} // namespace
+
+TEST_F(PackageFile, BytesOfANewPackage) {
+  ioPackageFile package;
+  open(package);
+  const std::string header = "\x8FKestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n@\n";
+  EXPECT_EQ(fileBytes(path("p.package")), header + "-1                     \n");
+  ASSERT_FALSE(add(package, "a", "hello"));
+  ASSERT_FALSE(package.update());
+  const std::string bytes = fileBytes(path("p.package"));
+  EXPECT_EQ(bytes.substr(0, 90), header + "90                     \nhello");
+  const std::string types = "   0 packetFile_string\n   1 packetFile_EOF\n   2 package.entry\n@\n";
+  EXPECT_EQ(bytes.substr(90 + 27, types.size()), types);
+}
+
+TEST_F(PackageFile, RandomOperationsAgreeWithAModel) {
+  qvTest::Random random(20240131);
+  const std::vector<std::string> names = {"a",
+                                          "b/c",
+                                          "with blank",
+                                          "\xC3\xA9t\xC3\xA9",
+                                          "\xE6\xBC\xA2\xE5\xAD\x97",
+                                          "x.txt",
+                                          "\xF0\x9F\x98\x80",
+                                          "dir/dir/deep",
+                                          "y",
+                                          "z"};
+  const std::size_t sizes[] = {0, 1, 10, 100, 4095, 4096, 4097, 20000};
+  auto package = std::make_unique<ioPackageFile>();
+  open(*package);
+  std::string file = "p.package";
+  Model model;
+  std::map<std::string, std::string> contents;
+  int copies = 0;
+  int reopened = 0;
+  for (int step = 0; step < 3000 && !HasFatalFailure(); ++step) {
+    SCOPED_TRACE("step " + std::to_string(step));
+    const std::string& name = names[random.below(names.size())];
+    const std::uint64_t choice = random.below(20);
+    if (choice < 13) {
+      const std::string bytes = randomBytes(random, sizes[random.below(std::size(sizes))], random.oneIn(2));
+      const qvUtil::Error error = add(*package, name, bytes, random.oneIn(3));
+      ASSERT_EQ(error.num(), 0) << error.message();
+      model.add(name, package->getEntry(wide(name))->getSize());
+      contents[name] = bytes;
+    } else if (choice < 18) {
+      ASSERT_EQ(package->deleteEntry(wide(name)).num(), model.remove(name) ? 0 : 13);
+      contents.erase(name);
+    } else if (choice == 18 && model.dirty) {
+      // Without a mark, a name that only filled an exact hole would not be in the file.
+      ASSERT_FALSE(package->update());
+      package = std::make_unique<ioPackageFile>();
+      open(*package, file);
+      model.dirty = false;
+      ++reopened;
+    } else if (choice == 19 && !contents.empty()) {
+      file = std::to_string(++copies) + ".package";
+      ASSERT_FALSE(package->write(wide(path(file))));
+      model = Model();
+      for (const auto& [sorted, index] : package->getDirectory())
+        model.add(sorted.asUTF8(), package->getEntry(index)->getSize());
+    }
+    expectLayout(*package, model);
+    if (contents.empty() || !random.oneIn(4)) continue;
+    const auto some = std::next(contents.begin(), static_cast<std::ptrdiff_t>(random.below(contents.size())));
+    ASSERT_TRUE(contentOf(package->getEntry(wide(some->first))) == some->second) << some->first;
+  }
+  for (const auto& [name, bytes] : contents) EXPECT_TRUE(contentOf(package->getEntry(wide(name))) == bytes);
+  EXPECT_GT(copies, 10);
+  EXPECT_GT(reopened, 10);
+}
+
+TEST_F(PackageFile, SizesComeBackCompressedAndNot) {
+  qvTest::Random random(4097);
+  ioPackageFile package;
+  open(package);
+  std::map<std::string, std::string> contents;
+  for (const std::size_t size : {0, 1, 4095, 4096, 4097, 262144, 5000000})
+    for (const bool compress : {false, true}) {
+      const std::string name = std::to_string(size) + (compress ? "c" : "");
+      contents[name] = randomBytes(random, size, true);
+      ASSERT_FALSE(add(package, name, contents[name], compress));
+      EXPECT_EQ(package.getEntry(wide(name))->getCompressed(), compress && size > 1) << name;
+    }
+  ASSERT_FALSE(package.update());
+  ioPackageFile again;
+  open(again);
+  for (const auto& [name, bytes] : contents) {
+    EXPECT_TRUE(contentOf(again.getEntry(wide(name))) == bytes) << name;
+    ASSERT_FALSE(again.extractEntry(again.getEntry(wide(name)), wide(path("new/directory/") + name)));
+    EXPECT_TRUE(fileBytes(path("new/directory/") + name) == bytes) << name;
+  }
+  ASSERT_FALSE(again.expand(wide(path("all"))));
+  EXPECT_TRUE(fileBytes(path("all/262144c")) == contents["262144c"]);
+}
+
+TEST_F(PackageFile, NamesAreCleanedUp) {
+  const struct {
+    int line;
+    const char* in;
+    const char* out;
+  } rows[] = {
+      {__LINE__, "a\\b", "a/b"},      {__LINE__, "C:\\x", "x"},   {__LINE__, "C:", ""},
+      {__LINE__, "./a", "a"},         {__LINE__, "../a", "a"},    {__LINE__, "//a", "a"},
+      {__LINE__, "./", "./"},         {__LINE__, "../", "../"},   {__LINE__, "/../.././x", "x"},
+      {__LINE__, "a/../b", "a/../b"}, {__LINE__, "C:D:x", "D:x"}, {__LINE__, "..", ".."},
+  };
+  for (const auto& row : rows) {
+    IString name(row.in);
+    ioPackageFile::cleanupName(name);
+    EXPECT_STREQ(name.asUTF8(), row.out) << "line " << row.line;
+  }
+}
+
+TEST_F(PackageFile, FailuresHaveTheirCodesAndTexts) {
+  ioPackageFile package;
+  const IString source = wide(path("source"));
+  const IString x("x");
+  EXPECT_STREQ(package.update().message(), "The package file has not been opened yet.");
+  EXPECT_EQ(package.addEntry(source, x, false).num(), 3);
+  EXPECT_EQ(package.deleteEntry(x).num(), 3);
+  EXPECT_EQ(package.open(wide(path("no/such/directory"))).num(), 2);
+
+  open(package);
+  ASSERT_FALSE(add(package, "a", "one"));
+  ioPackageFile other;
+  open(other, "other.package");
+  ASSERT_FALSE(add(other, "theirs", "two"));
+  const ioPackageFileEntry* theirs = other.getEntry(IString("theirs"));
+  const struct {
+    int line;
+    qvUtil::Error error;
+    int code;
+    std::string text;
+  } rows[] = {
+      {__LINE__, package.addEntry(source, IString("dir/con.txt"), false), 11,
+       "File is using a windows reserved device name.  Please choose another name: dir/con.txt"},
+      {__LINE__, package.addEntry(source, IString(".."), false), 12,
+       "File is using a name which is not allowed: .."},
+      {__LINE__, package.addEntry(source, IString("/"), false), 11, "The name can not be empty."},
+      {__LINE__, package.addEntry(IString("no-such-file"), x, false), 6,
+       "File does not exist: no-such-file\n"},
+      {__LINE__, package.addEntry(nullptr, x), 7, "The given package file entry is NULL."},
+      {__LINE__, package.addEntry(package.getEntry(IString("a")), x), 15,
+       "The source entry can not be in the package."},
+      {__LINE__, package.addEntry(theirs, IString("a")), 14,
+       "The entry is already present in the package: a"},
+      {__LINE__, package.addEntry(theirs, IString("/")), 11, "The name can not be empty."},
+      {__LINE__, package.deleteEntry(x), 13, "Can not delete named entry as it does not exist: x"},
+      {__LINE__, package.extractEntry(nullptr, x), 0, ""},
+      {__LINE__, package.write(package.getPackageFileName()), 4, "The package file is not writable."},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.error.num(), row.code) << "line " << row.line;
+    EXPECT_EQ(row.error.message(), row.text) << "line " << row.line;
+  }
+  EXPECT_EQ(package.extractEntry(theirs, wide(path("source") + "/below")).num(), 5);
+  ASSERT_FALSE(package.addEntry(theirs, IString("b")));
+  EXPECT_EQ(contentOf(package.getEntry(IString("b"))), "two");
+  EXPECT_EQ(package.getEntry(-1), nullptr);
+  EXPECT_EQ(package.getEntry(100), nullptr);
+}
+
+TEST_F(PackageFile, AnUnwrittenDirectoryIsNoPackage) {
+  ioPackageFile package;
+  open(package);
+  ASSERT_FALSE(package.update()); // nothing has changed, so nothing is written
+  ioPackageFile again;
+  const qvUtil::Error error = again.open(wide(path("p.package")));
+  EXPECT_EQ(error.num(), 17);
+  EXPECT_EQ(std::string(error.message()).find("The file is not a package file: "), 0U);
+  EXPECT_FALSE(ioPackageFile::isFilePackageFile(wide(path("p.package"))));
+}
+
+TEST_F(PackageFile, AnExactHoleIsNotWritten) {
+  {
+    ioPackageFile package;
+    open(package);
+    ASSERT_FALSE(add(package, "hole", "12345"));
+    ASSERT_FALSE(add(package, "rest", "678"));
+    ASSERT_FALSE(package.deleteEntry(IString("hole")));
+    ASSERT_FALSE(package.update());
+  }
+  {
+    ioPackageFile package;
+    open(package);
+    ASSERT_FALSE(add(package, "new", "abcde"));
+    ASSERT_FALSE(package.update());
+    EXPECT_EQ(contentOf(package.getEntry(IString("new"))), "abcde");
+  }
+  ioPackageFile package;
+  open(package);
+  EXPECT_EQ(package.getEntry(IString("new")), nullptr);
+  EXPECT_EQ(contentOf(package.getEntry(IString("rest"))), "678");
+}
+
+TEST_F(PackageFile, AFailedCopyFreesTheRegionAndLeavesAStaleIndex) {
+  ioPackageFile package;
+  open(package);
+  ASSERT_FALSE(add(package, "a", std::string(5000, 'a')));
+  ASSERT_FALSE(add(package, "b", "bbb"));
+  {
+    writeFile(path("source"), std::string(6000, 'c'));
+    qvTest::PlatformScript script;
+    script.failCall(0, ENOSPC, "write", 1000);
+    EXPECT_EQ(package.addEntry(wide(path("source")), IString("a"), false).num(), 10);
+  }
+  EXPECT_EQ(package.size(), 2);
+  EXPECT_EQ(package.getEntry(IString("a")), nullptr);
+  EXPECT_EQ(contentOf(package.getEntry(IString("b"))), "bbb");
+  // The package stays usable.
+  ASSERT_FALSE(add(package, "c", "ccc"));
+  ASSERT_FALSE(package.update());
+  ioPackageFile again;
+  open(again);
+  EXPECT_EQ(contentOf(again.getEntry(IString("b"))), "bbb");
+  EXPECT_EQ(contentOf(again.getEntry(IString("c"))), "ccc");
+}
+
+TEST_F(PackageFile, HostileDirectoriesAreDamage) {
+  const Record end = {".", handDirectory, -1};
+  const struct {
+    int line;
+    HandMade made;
+    int code;
+  } rows[] = {
+      {__LINE__, {{{"a", 85, 50}, {"", 135, 50}, end}}, 0},
+      {__LINE__, {{end}}, 0},
+      {__LINE__, {{{"a", 85, 0}, {"b", 85, 0}, end}}, 0},
+      {__LINE__, {{}}, 17},
+      {__LINE__, {{{"a", 85, 50}}}, 17},
+      {__LINE__, {{{"a", 85, 50}, {"b", 134, 10}, end}}, 17},
+      {__LINE__, {{{"a", 85, -1}, end}}, 17},
+      {__LINE__, {{{"a", -5, 10}, end}}, 17},
+      {__LINE__, {{{"a", 84, 10}, end}}, 17},
+      {__LINE__, {{{"a", 85, 101}, end}}, 17},
+      {__LINE__, {{{"a", 86, INT64_MAX}, end}}, 17},
+      {__LINE__, {{{"a", INT64_MAX, INT64_MAX}, end}}, 17},
+      {__LINE__, {{{".", 85, 10}, end}}, 17},
+      {__LINE__, {{{"a", 85, 10}, {".", handDirectory + 1, -1}}}, 17},
+      {__LINE__, {{{"a", 85, 10}, end}, 0}, 17},
+      {__LINE__, {{{"a", 85, 10}, end}, -1, true}, 17},
+  };
+  for (const auto& row : rows) {
+    writeByHand(path("p.package"), row.made);
+    ioPackageFile package;
+    const qvUtil::Error error = package.open(wide(path("p.package")));
+    EXPECT_EQ(error.num(), row.code) << "line " << row.line;
+    EXPECT_EQ(package.getPackageFileName().isEmpty(), row.code != 0) << "line " << row.line;
+    const std::string text = row.code ? "Error reading directory: " + path("p.package") : "";
+    EXPECT_EQ(error.message(), text) << "line " << row.line;
+  }
+}
+
+TEST_F(PackageFile, OtherFrontsAndNamesThatLeadOut) {
+  const Record end = {".", handDirectory, -1};
+  writeByHand(path("p.package"), {{{"a", 100, 5}, end}, -1, false, ".", "more text @\n"});
+  ioPackageFile package;
+  ASSERT_FALSE(package.open(wide(path("p.package"))));
+  EXPECT_EQ(contentOf(package.getEntry(IString("a"))), "xxxxx");
+  EXPECT_TRUE(ioPackageFile::isFilePackageFile(wide(path("p.package"))));
+  for (const char* name : {"../a", "x/../../a", "/a", "\\a", "C:a", "x\\..\\..\\a"}) {
+    writeByHand(path("p.package"), {{{name, 85, 5}, end}});
+    ASSERT_FALSE(package.open(wide(path("p.package"))));
+    EXPECT_EQ(package.expand(wide(path("out"))).num(), 12) << name;
+  }
+  EXPECT_FALSE(std::filesystem::exists(path("a")));
+}
+
+TEST_F(PackageFile, EveryPrefixAndEveryFlippedByteEndsInAStatus) {
+  {
+    ioPackageFile package;
+    open(package);
+    ASSERT_FALSE(add(package, "a", "hello"));
+    ASSERT_FALSE(add(package, "b", std::string(500, 'b'), true));
+    ASSERT_FALSE(package.update());
+  }
+  const std::string good = fileBytes(path("p.package"));
+  int opened = 0;
+  const auto tryOpen = [&](const std::string& bytes) {
+    writeFile(path("q.package"), bytes);
+    ioPackageFile package;
+    if (package.open(wide(path("q.package")))) return;
+    ++opened;
+    for (const auto& [name, index] : package.getDirectory()) (void)contentOf(package.getEntry(index));
+  };
+  for (std::size_t size = 0; size < good.size(); ++size) tryOpen(good.substr(0, size));
+  EXPECT_EQ(opened, 0);
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    std::string flipped = good;
+    flipped[i] = static_cast<char>(flipped[i] ^ 0x55);
+    tryOpen(flipped);
+  }
+  EXPECT_GT(opened, 0);
+}
