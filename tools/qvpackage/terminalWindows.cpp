@@ -1,0 +1,5 @@
+#include "terminal.h"
+
+#include <io.h>
+
+bool errorsGoToTerminal() { return _isatty(2) != 0; }
