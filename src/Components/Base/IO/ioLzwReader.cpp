@@ -18,8 +18,8 @@ constexpr int groupReach = ioLzwGroupSize + 2;
 } // namespace
 
 ioLzwReader::ioLzwReader() : table_(new Entry[ioLzwCodeLimit]), held_(new unsigned char[heldSize]) {
-  for (int i = 0; i < 256; ++i) table_[i] = {static_cast<std::uint64_t>(i), 1, 0, 0};
-  for (int i = 256; i < ioLzwFirstFreeCode; ++i) table_[i] = {0, 1, 0, 0};
+  for (int i = 0; i < 256; ++i) table_[i] = {static_cast<std::uint64_t>(i), 1};
+  for (int i = 256; i < ioLzwFirstFreeCode; ++i) table_[i] = {0, 1};
 }
 
 int ioLzwReader::decompress(ioBuffer& source, unsigned char* destination, int count) {
@@ -113,70 +113,90 @@ inline void ioLzwReader::unpackCodes(const unsigned char* group) noexcept {
 // ---- Strings -------------------------------------------------------------------------------------------
 
 /// The string of `entry`, whose code is `code`, with one more byte.
-inline ioLzwReader::Entry ioLzwReader::extended(const Entry& entry, std::uint16_t code,
-                                                unsigned char last) noexcept {
-  const int inTail = entry.length & 7;
+inline ioLzwReader::Entry ioLzwReader::extended(const Entry& entry, int code, unsigned char last) noexcept {
+  const std::uint64_t inTail = entry.facts & 7;
+  const std::uint64_t link = static_cast<std::uint64_t>(code) << 32;
   const std::uint64_t byte = static_cast<std::uint64_t>(last) << (8 * inTail);
-  return {(inTail ? entry.tail : 0) | byte, entry.length + 1, inTail ? entry.link : code, code};
+  const std::uint64_t length = (entry.facts & 0xFFFFFFFFU) + 1;
+  return {(inTail ? entry.tail : 0) | byte,
+          length | (inTail ? entry.facts & 0xFFFF00000000U : link) | link << 16};
 }
 
-/// Writes a string, and up to `slack` bytes past its end. @return its first byte.
-inline unsigned char ioLzwReader::expand(const Entry* table, Entry entry, unsigned char* to) noexcept {
-  int at = (entry.length - 1) & ~7;
+/// Writes a string, and up to `slack` bytes past its end. @return its first byte. Strings of at most 16 bytes
+/// take no branch that depends on the length.
+inline unsigned char ioLzwReader::expand(const Entry* table, const Entry& entry, unsigned char* to) noexcept {
+  std::uint32_t at = (entry.length() - 1) & ~7U;
+  const Entry* piece = table + entry.link();
+  ioStoreLittle64(to + (at == 0 ? 0 : at - 8), piece->tail);
   ioStoreLittle64(to + at, entry.tail);
-  while (at > 0) {
-    entry = table[entry.link];
+  if (at == 0) piece = &entry;
+  while (at > 8) {
     at -= 8;
-    ioStoreLittle64(to + at, entry.tail);
+    piece = table + piece->link();
+    ioStoreLittle64(to + at - 8, piece->tail);
   }
-  return static_cast<unsigned char>(entry.tail);
+  return static_cast<unsigned char>(piece->tail);
 }
 
-/// Expands string after string straight to where they belong. Stops before a code that needs care (the one
-/// that is to be defined next, a clear or end code, the first code of another width) and before a string that
-/// might not fit.
+/// Expands whole groups, straight to where their strings belong. Stops at a code that needs care (the one
+/// that is to be defined next, a clear or end code), before a string that might not fit, and near a change of
+/// the width; `readCode` goes on from there.
 unsigned char* ioLzwReader::expandRun(ioBuffer& source, unsigned char* to, const unsigned char* end) {
+  const bool isBetweenGroups = codeIndex_ == codeCount_ && freeCode_ <= maxCode_;
+  if (!isBetweenGroups || !source.good() || source.heldBytes() < groupReach) return to;
+  return freeCode_ < ioLzwCodeLimit ? expandGroups<true>(source, to, end)
+                                    : expandGroups<false>(source, to, end);
+}
+
+/// The loop of `expandRun`; `defines` where the table still grows. All state is local in it, since the bytes
+/// that it stores might be anything.
+template <bool defines>
+inline unsigned char* ioLzwReader::expandGroups(ioBuffer& source, unsigned char* to,
+                                                const unsigned char* end) {
   Entry* const table = table_.get();
-  Entry old = table[oldCode_];
-  for (;;) {
-    if (freeCode_ > maxCode_ || (codeIndex_ == codeCount_ && !takeGroup(source))) return to;
-    int index = codeIndex_;
-    int freeCode = freeCode_;
-    int oldCode = oldCode_;
-    unsigned char first = finalChar_;
-    const bool isCare = [&] {
-      for (; index < codeCount_ && freeCode <= maxCode_; ++index) {
-        const int code = codes_[index];
-        if (code >= freeCode || (code | 1) == ioLzwEndCode) return true;
-        const Entry entry = table[code];
-        if (end - to < entry.length + slack) return true;
-        first = expand(table, entry, to);
-        to += entry.length;
-        if (freeCode < ioLzwCodeLimit)
-          table[freeCode++] = extended(old, static_cast<std::uint16_t>(oldCode), first);
-        old = entry;
-        oldCode = code;
-      }
-      return false;
-    }();
-    codeIndex_ = index;
-    freeCode_ = freeCode;
-    oldCode_ = oldCode;
-    finalChar_ = first;
-    if (isCare) return to;
+  const int codeBits = codeBits_;
+  const std::uint32_t mask = (1U << codeBits) - 1;
+  const int lastStart = defines ? std::min(maxCode_, ioLzwCodeLimit - 1) - 7 : ioLzwCodeLimit;
+  const unsigned char* const firstGroup = source.heldData();
+  const unsigned char* const lastGroup = firstGroup + source.heldBytes() - groupReach;
+  const unsigned char* group = firstGroup;
+  int freeCode = freeCode_;
+  int oldCode = oldCode_;
+  Entry old = table[oldCode];
+  unsigned char first = finalChar_;
+  int index = 8;
+  for (; index == 8 && group <= lastGroup && freeCode <= lastStart; group += codeBits) {
+    for (index = 0; index < 8; ++index) {
+      const int bit = index * codeBits;
+      const int code = static_cast<int>(ioLoadLittle32(group + bit / 8) >> bit % 8 & mask);
+      if ((defines && code >= freeCode) || (code | 1) == ioLzwEndCode) break;
+      const Entry entry = table[code];
+      if (end - to < static_cast<std::ptrdiff_t>(entry.length()) + slack) break;
+      first = expand(table, entry, to);
+      to += entry.length();
+      if constexpr (defines) table[freeCode++] = extended(old, oldCode, first);
+      old = entry;
+      oldCode = code;
+    }
   }
+  freeCode_ = freeCode;
+  oldCode_ = oldCode;
+  finalChar_ = first;
+  if (index < 8) unpackCodes(group - codeBits);
+  codeIndex_ = index;
+  codeCount_ = 8;
+  source.dropHeld(static_cast<int>(group - firstGroup));
+  return to;
 }
 
 /// Expands one string, which may be the one that is only now defined, and leaves it to `deliverHeld`.
 void ioLzwReader::holdString(int code) {
-  const auto define = [this] {
-    table_[freeCode_] = extended(table_[oldCode_], static_cast<std::uint16_t>(oldCode_), finalChar_);
-  };
+  const auto define = [this] { table_[freeCode_] = extended(table_[oldCode_], oldCode_, finalChar_); };
   if (code == freeCode_) define();
   const Entry& entry = table_[code];
   finalChar_ = expand(table_.get(), entry, held_.get());
   heldPosition_ = 0;
-  heldEnd_ = entry.length;
+  heldEnd_ = static_cast<int>(entry.length());
   if (freeCode_ == ioLzwCodeLimit) return;
   define();
   ++freeCode_;
@@ -200,8 +220,8 @@ void ioLzwReader::turnWild() {
   prefixTable_.reset(new std::uint16_t[ioLzwCodeLimit]());
   suffixTable_.reset(new unsigned char[ioLzwCodeLimit]());
   for (int i = 0; i < definedCodes_; ++i) {
-    prefixTable_[i] = table_[i].prefix;
-    suffixTable_[i] = static_cast<unsigned char>(table_[i].tail >> (8 * ((table_[i].length - 1) & 7)));
+    prefixTable_[i] = table_[i].prefix();
+    suffixTable_[i] = static_cast<unsigned char>(table_[i].tail >> (8 * ((table_[i].length() - 1) & 7)));
   }
 }
 

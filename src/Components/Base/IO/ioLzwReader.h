@@ -28,11 +28,12 @@ private:
   /// from its end in steps of 8 bytes. `prefix` is the code of the string without its last byte.
   struct Entry {
     std::uint64_t tail;
-    std::int32_t length;
-    std::uint16_t link;
-    std::uint16_t prefix;
+    std::uint64_t facts; ///< The length, and from bit 32 on the link, and from bit 48 on the prefix.
+
+    [[nodiscard]] std::uint32_t length() const noexcept { return static_cast<std::uint32_t>(facts); }
+    [[nodiscard]] std::uint16_t link() const noexcept { return static_cast<std::uint16_t>(facts >> 32); }
+    [[nodiscard]] std::uint16_t prefix() const noexcept { return static_cast<std::uint16_t>(facts >> 48); }
   };
-  static_assert(sizeof(Entry) == 16);
 
   bool readMagic(ioBuffer& source);
   int readFirstCode(ioBuffer& source, unsigned char* destination);
@@ -42,8 +43,10 @@ private:
   void unpackCodes(const unsigned char* group) noexcept;
 
   unsigned char* expandRun(ioBuffer& source, unsigned char* to, const unsigned char* end);
-  static unsigned char expand(const Entry* table, Entry entry, unsigned char* to) noexcept;
-  static Entry extended(const Entry& entry, std::uint16_t code, unsigned char last) noexcept;
+  template <bool defines>
+  unsigned char* expandGroups(ioBuffer& source, unsigned char* to, const unsigned char* end);
+  static unsigned char expand(const Entry* table, const Entry& entry, unsigned char* to) noexcept;
+  static Entry extended(const Entry& entry, int code, unsigned char last) noexcept;
   void holdString(int code);
   int deliverHeld(unsigned char* destination, int room) noexcept;
 

@@ -2,30 +2,11 @@
 
 #include "Base/IO/ioBuffer.h"
 
-#include <algorithm>
-
 void ioLzwWriter::start(ioBuffer& target, unsigned char first) {
-  hashCodes_.reset(new Slot[hashSize]);
-  std::fill_n(hashCodes_.get(), hashSize, vacant);
   target.writeBytes(ioLzwMagic, sizeof ioLzwMagic);
   inputCount_ = 1;
   currentCode_ = first;
   started_ = true;
-}
-
-/// The slot that holds `key`, or else the one where it belongs. A search that has left its first slot stops
-/// at key 0 as it stops at a vacant slot, and what belongs there replaces it: output depends on this.
-inline int ioLzwWriter::findSlot(std::uint32_t key) const noexcept {
-  int i = static_cast<int>((key >> 16) << 8 ^ (key & 0xFFFFU));
-  Slot slot = hashCodes_[i];
-  if (slot == vacant || slot >> 16 == key) return i;
-  const int step = i == 0 ? 1 : hashSize - i;
-  do {
-    i -= step;
-    if (i < 0) i += hashSize;
-    slot = hashCodes_[i];
-  } while (slot >> 16 != key && slot >> 16 != 0 && slot != vacant);
-  return i;
 }
 
 void ioLzwWriter::compress(ioBuffer& target, const unsigned char* source, int count) {
@@ -36,16 +17,15 @@ void ioLzwWriter::compress(ioBuffer& target, const unsigned char* source, int co
   const std::int64_t countBefore = inputCount_;
   for (; source < end; ++source) {
     const std::uint32_t key = static_cast<std::uint32_t>(*source) << 16 | current;
-    Slot& slot = hashCodes_[findSlot(key)];
-    if (slot >> 16 == key) {
-      current = slot & 0xFFFFU;
+    if (const std::uint32_t known = table_.find(key)) {
+      current = known;
       continue;
     }
     emitCode(target, static_cast<int>(current));
     current = *source;
     inputCount_ = countBefore + (source + 1 - begin);
     if (freeCode_ < ioLzwCodeLimit)
-      slot = static_cast<Slot>(key) << 16 | static_cast<Slot>(freeCode_++);
+      table_.insert(key, static_cast<std::uint32_t>(freeCode_++));
     else if (inputCount_ >= checkpoint_)
       checkRatio(target);
   }
@@ -67,7 +47,7 @@ void ioLzwWriter::checkRatio(ioBuffer& target) {
     return;
   }
   ratio_ = 0;
-  std::fill_n(hashCodes_.get(), hashSize, vacant);
+  table_.clear();
   freeCode_ = ioLzwFirstFreeCode;
   clearPending_ = true;
   emitCode(target, ioLzwClearCode);

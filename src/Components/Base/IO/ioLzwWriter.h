@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Base/IO/ioLzwFormat.h"
+#include "Base/IO/ioLzwTable.h"
 
 #include <cstdint>
-#include <memory>
 
 class ioBuffer;
 
@@ -18,16 +18,9 @@ public:
   void end(ioBuffer& target);
 
 private:
-  /// A slot of the table: the key in bits 16 to 39 (the byte, then the code of the string before it) and the
-  /// code that the two have together in bits 0 to 15. `vacant` where it is free. Key and code are one word,
-  /// so that a look-up touches one cache line.
-  using Slot = std::uint64_t;
-  static constexpr Slot vacant = ~Slot{0};
-  static constexpr int hashSize = 69001;
   static constexpr int ratioCheckInterval = 10000;
 
   void start(ioBuffer& target, unsigned char first);
-  [[nodiscard]] int findSlot(std::uint32_t key) const noexcept;
   void checkRatio(ioBuffer& target);
   void emitCode(ioBuffer& target, int code);
   void packCodes() noexcept;
@@ -43,7 +36,7 @@ private:
   int currentCode_ = 0;
   std::int64_t inputCount_ = 0;
   std::int64_t outputCount_ = 0;
-  std::unique_ptr<Slot[]> hashCodes_;
+  ioLzwTable table_;
   int pendingCodes_ = 0;                         ///< Codes of the group that is being gathered.
   std::uint16_t codes_[8] = {};                  ///< Those codes.
   unsigned char codeGroup_[ioLzwGroupSize] = {}; ///< Keeps the last group: its bytes fill up a short one.
