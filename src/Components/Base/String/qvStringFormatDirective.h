@@ -93,10 +93,9 @@ Size scanSize(const C*& p) noexcept {
   }
 }
 
-/// Reads the directive whose `%` stands before `p`.
+/// Flags, width and precision.
 template <class C>
-Directive<C> scanDirective(const C* p) noexcept {
-  Directive<C> directive;
+void scanNumbers(const C*& p, Directive<C>& directive) noexcept {
   while (scanFlag(p, directive)) ++p;
   if (*p == '*') {
     directive.starWidth = true;
@@ -104,15 +103,21 @@ Directive<C> scanDirective(const C* p) noexcept {
   } else {
     directive.width = scanNumber(p);
   }
-  if (*p == '.') {
+  if (*p != '.') return;
+  ++p;
+  if (*p == '*') {
+    directive.starPrecision = true;
     ++p;
-    if (*p == '*') {
-      directive.starPrecision = true;
-      ++p;
-    } else {
-      directive.precision = scanNumber(p);
-    }
+  } else {
+    directive.precision = scanNumber(p);
   }
+}
+
+/// Reads the directive whose `%` stands before `p`.
+template <class C>
+Directive<C> scanDirective(const C* p) noexcept {
+  Directive<C> directive;
+  if (*p < 'A') scanNumbers(p, directive); // there are no letters among them
   directive.size = scanSize(p);
   const bool ascii = *p > 0 && *p < 0x80;
   // A percent sign in the place of the letter begins a directive of its own.

@@ -1,16 +1,17 @@
+// One walk over a format serves both widths. Integers and the common floats are written here; for the other
+// floats the C runtime makes the bare number. Padding is always done here, so nothing is built or copied
+// twice.
 #include "Base/String/qvStringFormatEngine.h"
 
 #include "Base/String/qvStringConvert.h"
 #include "Base/String/qvStringFormatDirective.h"
 #include "Base/String/qvStringLocale.h"
+#include "Base/String/qvStringNumber.h"
 
 #include <algorithm>
-#include <cfenv>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -44,6 +45,9 @@ public:
     for (std::size_t i = 0; i < fitting; ++i) *p_++ = static_cast<C>(from[i]);
   }
 
+  /// The same for what may be long.
+  void copy(const C* from, std::size_t count) noexcept { p_ = std::copy_n(from, take(count), p_); }
+
   [[nodiscard]] std::size_t count() const noexcept {
     return static_cast<std::size_t>(p_ - begin_) + dropped_;
   }
@@ -76,40 +80,6 @@ struct Number {
   void addPrefix(char c) noexcept { prefix[prefixLength++] = c; }
 };
 
-constexpr struct DigitPairs {
-  char text[200]{};
-  constexpr DigitPairs() {
-    for (int i = 0; i < 100; ++i) {
-      text[2 * i] = static_cast<char>('0' + i / 10);
-      text[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-  }
-} kDigitPairs;
-
-/// Writes the digits of `value` before `end` and returns the first; none for 0.
-char* decimalDigits(std::uint64_t value, char* end) noexcept {
-  while (value >= 100) {
-    end -= 2;
-    std::memcpy(end, kDigitPairs.text + 2 * (value % 100), 2);
-    value /= 100;
-  }
-  if (value >= 10) {
-    end -= 2;
-    std::memcpy(end, kDigitPairs.text + 2 * value, 2);
-  } else if (value) {
-    *--end = static_cast<char>('0' + value);
-  }
-  return end;
-}
-
-char* binaryDigits(std::uint64_t value, unsigned int bits, const char* alphabet, char* end) noexcept {
-  for (; value; value >>= bits) *--end = alphabet[value & ((1u << bits) - 1)];
-  return end;
-}
-
-constexpr char kLower[] = "0123456789abcdef";
-constexpr char kUpper[] = "0123456789ABCDEF";
-
 /// One run over a format and its arguments.
 template <class C>
 class Formatter {
@@ -123,11 +93,10 @@ public:
 
   std::size_t run(const C* format) noexcept {
     while (*format) {
-      const C* percent = format;
-      while (*percent && *percent != '%') ++percent;
-      out_.text(format, static_cast<std::size_t>(percent - format));
-      if (!*percent) break;
-      format = directive(percent);
+      if (*format == '%')
+        format = directive(format);
+      else
+        out_.put(*format++);
     }
     out_.terminate(size_);
     return out_.count();
@@ -276,10 +245,10 @@ private:
     if (spec.letter == 'u') {
       first = decimalDigits(value, end);
     } else if (spec.letter == 'o') {
-      first = binaryDigits(value, 3, kLower, end);
+      first = binaryDigits(value, 3, false, end);
       if (spec.alternate && (value || spec.precision == 0)) *--first = '0';
     } else {
-      first = binaryDigits(value, 4, spec.letter == 'x' ? kLower : kUpper, end);
+      first = binaryDigits(value, 4, spec.letter == 'X', end);
       if (spec.alternate && value) {
         number.addPrefix('0');
         number.addPrefix(spec.letter);
@@ -309,12 +278,12 @@ private:
     const std::size_t length = static_cast<std::size_t>(number.prefixLength) +
                                static_cast<std::size_t>(number.zeros) + number.numDigits;
     const std::size_t padding = paddingOf(spec, length);
-    if (!spec.left && !zeroPadded) out_.fill(padding, ' ');
-    out_.text(number.prefix, static_cast<std::size_t>(number.prefixLength));
-    if (!spec.left && zeroPadded) out_.fill(padding, '0');
-    out_.fill(static_cast<std::size_t>(number.zeros), '0');
+    if (padding && !spec.left && !zeroPadded) out_.fill(padding, ' ');
+    for (int i = 0; i < number.prefixLength; ++i) out_.put(static_cast<C>(number.prefix[i]));
+    if (padding && !spec.left && zeroPadded) out_.fill(padding, '0');
+    if (number.zeros) out_.fill(static_cast<std::size_t>(number.zeros), '0');
     out_.text(number.digits, number.numDigits);
-    if (spec.left) out_.fill(padding, ' ');
+    if (padding && spec.left) out_.fill(padding, ' ');
   }
 
   static std::size_t paddingOf(const Spec& spec, std::size_t length) noexcept {
@@ -327,7 +296,7 @@ private:
     char digits[kDigits];
     char* const end = digits + kDigits;
     Number number;
-    number.digits = binaryDigits(reinterpret_cast<std::uintptr_t>(va_arg(args_, void*)), 4, kUpper, end);
+    number.digits = binaryDigits(reinterpret_cast<std::uintptr_t>(va_arg(args_, void*)), 4, true, end);
     number.numDigits = static_cast<std::size_t>(end - number.digits);
     number.zeros = kDigits - static_cast<int>(number.numDigits);
     print(number, spec, false);
@@ -339,32 +308,15 @@ private:
     if (!floatingByHand(spec, value)) floatingByRuntime(spec, value);
   }
 
-  /// The common cases, for which `std::to_chars` is defined to give the runtime's digits.
   bool floatingByHand(const Spec& spec, double value) noexcept {
-    constexpr int kMostDigits = 60;
-    const bool known = spec.letter == 'f' || spec.letter == 'e' || spec.letter == 'g';
-    if (!known || spec.alternate || spec.precision > kMostDigits || !std::isfinite(value) ||
-        std::fegetround() != FE_TONEAREST)
+    FloatDigits digits;
+    if (spec.alternate || !std::isfinite(value) ||
+        !digits.make(std::fabs(value), spec.letter, spec.precision))
       return false;
-    const std::chars_format form = spec.letter == 'f'   ? std::chars_format::fixed
-                                   : spec.letter == 'e' ? std::chars_format::scientific
-                                                        : std::chars_format::general;
-    char digits[std::numeric_limits<double>::max_exponent10 + kMostDigits + 16];
-    const auto made = std::to_chars(digits, digits + sizeof digits, std::fabs(value), form,
-                                    spec.precision < 0 ? 6 : spec.precision);
-    if (made.ec != std::errc()) return false;
-    char* const point =
-        static_cast<char*>(std::memchr(digits, '.', static_cast<std::size_t>(made.ptr - digits)));
-    if (point) {
-      const char* const localPoint = qvPlatform::decimalPoint();
-      if (localPoint[0] == '\0' || localPoint[1] != '\0' || static_cast<unsigned char>(localPoint[0]) >= 0x80)
-        return false;
-      *point = localPoint[0];
-    }
     Number number;
     addSign(number, std::signbit(value), spec);
-    number.digits = digits;
-    number.numDigits = static_cast<std::size_t>(made.ptr - digits);
+    number.digits = digits.begin();
+    number.numDigits = digits.size();
     print(number, spec, spec.zero);
     return true;
   }
@@ -456,7 +408,12 @@ private:
 
   static constexpr auto ignore = [](const auto*, std::size_t) {};
   auto writer() noexcept {
-    return [this](const auto* chars, std::size_t count) { out_.text(chars, count); };
+    return [this]<class From>(const From* chars, std::size_t count) {
+      if constexpr (std::is_same_v<From, C>)
+        out_.copy(chars, count);
+      else
+        out_.text(chars, count);
+    };
   }
 
   /// Hands the characters of a text of `count` characters (`kNoLimit`: terminated), converted to the format's
@@ -480,7 +437,7 @@ private:
           if (run) continue;
         }
         const auto c = converter.next(text + i, count == kNoLimit ? std::size_t{MB_LEN_MAX} : count - i);
-        const C unknown = static_cast<C>('?');
+        const C unknown = static_cast<C>(getDefaultMBChar());
         const std::size_t length = c.numMade ? static_cast<std::size_t>(c.numMade) : 1;
         if (length > limit - made) break;
         sink(c.numMade ? c.made : &unknown, length);
