@@ -15,6 +15,8 @@ using qvString::CString;
 using qvString::IString;
 using qvUtil::Error;
 
+static_assert(sizeof(GetOpt) == 2 * sizeof(void*));
+
 struct GetOpt::result {
   const GetOpt::option* option = nullptr;
   qv::vector<IString> arguments;

@@ -15,6 +15,8 @@ using qvPlatform::Lookup;
 using qvString::IString;
 using qvUtil::Error;
 
+static_assert(sizeof(Address) == 2 * sizeof(IString) + 2 * sizeof(void*));
+
 namespace {
 
 constexpr char localhostText[] = "127.0.0.1"; // also for addresses that are made before `Address::localhost`

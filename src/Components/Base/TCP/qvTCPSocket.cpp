@@ -22,6 +22,8 @@ using qvString::IString;
 using qvUtil::Error;
 using qvUtil::Interval;
 
+static_assert(sizeof(Socket) == 2 * sizeof(void*) && sizeof(ClientSocket) == sizeof(Socket));
+
 namespace {
 
 constexpr std::uint64_t largestPiece = 1 << 30; // what every system moves in one call
