@@ -27,7 +27,7 @@ Filename filenameOf(const C* name) {
 CString nativeName(const Filename& name) { return toNativePath(name.name()); }
 
 int copyErrorCode(int failed) {
-  if (qvPlatform::isNotFound(failed)) return 2;
+  if (qvPlatform::errorKind(failed) == ErrorKind::notFound) return 2;
   return qvPlatform::errorKind(failed) == ErrorKind::exists ? 3 : 1;
 }
 

@@ -319,7 +319,7 @@ int LocalFileTransport::queryFile(FileInfo* info) const {
 bool mayDescend(const FileTransport& transport) {
   const auto* local = dynamic_cast<const LocalFileTransport*>(&transport);
   FileInfo info;
-  return !local || (!local->queryLink(&info) && info.kind == FileKind::directory);
+  return !local || (!local->queryLink(&info) && info.kind != FileKind::link);
 }
 
 CopyKind copyKind(const FileTransport& transport) {

@@ -19,7 +19,7 @@ public:
   qvUtil::Error write(const void* buffer, std::uint64_t size, std::uint64_t* count) override;
   qvUtil::Error open(int flags) override;
   qvUtil::Error openTemp(int flags) override;
-  /// Never fails, even where buffered bytes are lost: a host that must know writes through `io` classes.
+  /// Never fails, even where the last buffered bytes could not be written.
   qvUtil::Error close() override;
   qvUtil::Error makeDirectory() override;
   qvUtil::Error makeTempDirectory() override;

@@ -26,6 +26,8 @@ namespace qvOS {
 /// process can also leave a part of the new file under the main name while the old one is whole under the
 /// backup name.
 ///
+/// A main file that is a symbolic link is replaced itself; what it leads to keeps the old content.
+///
 /// Not promised: two writers that save the same file at the same time. An object belongs to one thread.
 class ProtectedWrite {
 public:
