@@ -43,9 +43,7 @@ Error MemoryIOStream::read(void* buffer, std::uint64_t size, std::uint64_t* coun
 }
 
 Error MemoryIOStream::write(const void* buffer, std::uint64_t size, std::uint64_t* count) {
-  if (kind_ == Block::own && size > capacity_ - position_) growFor(size);
-  const std::size_t room = kind_ == Block::constant ? 0 : capacity_ - position_;
-  const std::size_t put = std::min<std::uint64_t>(size, room);
+  const std::size_t put = std::min<std::uint64_t>(size, roomFor(size));
   if (put) std::memcpy(block_ + position_, buffer, put);
   position_ += put;
   size_ = std::max(size_, position_);
@@ -53,15 +51,20 @@ Error MemoryIOStream::write(const void* buffer, std::uint64_t size, std::uint64_
   return put < size ? File::getError(FileError::ioProblem) : Error();
 }
 
-/// Makes room for `size` bytes from the position on, doubling the block; where there is no memory, no room.
-void MemoryIOStream::growFor(std::uint64_t size) {
-  if (size > PTRDIFF_MAX - position_) return;
+/// How much room there is from the position on, at best for `size` bytes. A block of its own grows by
+/// doubling, or where there is no memory for all has room for nothing.
+std::size_t MemoryIOStream::roomFor(std::uint64_t size) {
+  if (kind_ == Block::constant) return 0;
+  const std::size_t room = capacity_ - position_;
+  if (kind_ == Block::lent || size <= room) return room;
+  if (size > PTRDIFF_MAX - position_) return 0;
   const std::size_t doubled = std::min<std::size_t>(capacity_ * 2, PTRDIFF_MAX);
   const std::size_t wanted = std::max({static_cast<std::size_t>(position_ + size), doubled, leastCapacity});
   void* block = std::realloc(block_, wanted);
-  if (!block) return;
+  if (!block) return 0;
   block_ = static_cast<unsigned char*>(block);
   capacity_ = wanted;
+  return capacity_ - position_;
 }
 
 bool MemoryIOStream::seek(std::size_t position) noexcept {

@@ -27,7 +27,8 @@ public:
 
   /// Code 3 together with the final bytes when fewer than `size` were left, as for a file.
   qvUtil::Error read(void* buffer, std::uint64_t size, std::uint64_t* count) override;
-  /// Code 4 when not all bytes could be taken, because the block is lent or memory is exhausted.
+  /// Code 4 when a lent block has no room for all bytes, or when memory is exhausted; then none are taken.
+  /// The bytes must not lie in the stream's own block.
   qvUtil::Error write(const void* buffer, std::uint64_t size, std::uint64_t* count) override;
 
   /// The content; null while there is none. Valid until the next write.
@@ -42,7 +43,7 @@ public:
 private:
   enum class Block { own, lent, constant };
 
-  void growFor(std::uint64_t size);
+  std::size_t roomFor(std::uint64_t size);
 
   unsigned char* block_ = nullptr;
   std::size_t size_ = 0;

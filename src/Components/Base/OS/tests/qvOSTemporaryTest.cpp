@@ -8,7 +8,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <regex>
 
 namespace {
 
@@ -18,7 +17,7 @@ using qvString::CString;
 using qvString::IString;
 
 bool isNameOf(const IString& name, const std::string& pattern) {
-  return std::regex_match(qvTest::native(name), std::regex(pattern));
+  return testing::Matcher<const std::string&>(testing::MatchesRegex(pattern)).Matches(qvTest::native(name));
 }
 
 TEST(Temporary, namesAreUniqueAndNotReserved) {
