@@ -24,7 +24,7 @@ using qvTest::filename;
 using qvUtil::Error;
 
 TEST(FileOperations, copyReportsEveryFailure) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("from", "new");
   scratch.write("there", "old");
   fs::create_directory(scratch.path("dir"));
@@ -45,8 +45,7 @@ TEST(FileOperations, copyReportsEveryFailure) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
     EXPECT_EQ(scratch.read("there"), "old");
-    EXPECT_EQ(fileCopy(filename(scratch.path(row.from)), filename(scratch.path(row.to)), row.overwrite).num(),
-              row.code);
+    EXPECT_EQ(fileCopy(scratch.name(row.from), scratch.name(row.to), row.overwrite).num(), row.code);
   }
   for (const char* name : {"from", "there", "fresh"}) EXPECT_EQ(scratch.read(name), "new") << name;
   EXPECT_EQ(scratch.entries(), 6);
@@ -59,37 +58,35 @@ TEST(FileOperations, copyReportsEveryFailure) {
 }
 
 TEST(FileOperations, moveNeverLosesTheFile) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   const std::string big(200000, 'b');
   scratch.write("from", big);
   fs::create_symlink("from", scratch.path("link"));
-  EXPECT_TRUE(fileMove(filename(scratch.path("from")), filename(scratch.path("link")), true));
-  EXPECT_TRUE(fileRename(filename(scratch.path("from")),
-                         Filename(IString((scratch.path("from")).c_str()), IString())));
+  EXPECT_TRUE(fileMove(scratch.name("from"), scratch.name("link"), true));
+  EXPECT_TRUE(fileRename(scratch.name("from"), Filename(IString(scratch.path("from").c_str()), IString())));
   EXPECT_EQ(qvTest::inChild([&] {
               const rlimit limit{100000, 100000};
               signal(SIGXFSZ, SIG_IGN);
               ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-              EXPECT_EQ(fileMove(filename(scratch.path("from")), filename(scratch.path("to")), false).num(),
-                        1);
+              EXPECT_EQ(fileMove(scratch.name("from"), scratch.name("to"), false).num(), 1);
             }),
             0);
   EXPECT_EQ(scratch.read("from"), big);
   EXPECT_FALSE(scratch.exists("to")) << "no half of a copy stays";
   fs::permissions(scratch.path("from"), fs::perms(0640));
-  EXPECT_FALSE(fileMove(filename(scratch.path("from")), filename(scratch.path("to")), false));
+  EXPECT_FALSE(fileMove(scratch.name("from"), scratch.name("to"), false));
   EXPECT_EQ(scratch.read("to"), big);
   EXPECT_FALSE(scratch.exists("from"));
   EXPECT_EQ(fs::status(scratch.path("to")).permissions(), fs::perms(0640));
 }
 
 TEST(FileOperations, renameStaysInTheDirectory) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("a", "a");
   scratch.write("b", "b");
   fs::create_directory(scratch.path("dir"));
   const auto rename = [&](const char* from, const char* to) {
-    return fileRename(filename(scratch.path(from)), filename(scratch.path(to)));
+    return fileRename(scratch.name(from), scratch.name(to));
   };
   for (const char* target : {"b", "dir"}) {
     const Error error = rename("a", target);
@@ -106,13 +103,13 @@ TEST(FileOperations, renameStaysInTheDirectory) {
 }
 
 TEST(FileOperations, deleteAndAsk) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   const std::string path = scratch.write("f", "x");
   fs::create_symlink("f", scratch.path("link"));
   fs::create_symlink("nowhere", scratch.path("dangling"));
   EXPECT_TRUE(doesFileExist(path.c_str()) && isFileWritable(filename(path)));
   EXPECT_FALSE(doesFileExist(scratch.path("dangling").c_str()));
-  EXPECT_FALSE(fileDelete(filename(scratch.path("link"))));
+  EXPECT_FALSE(fileDelete(scratch.name("link")));
   EXPECT_FALSE(fileDelete(scratch.path("dangling").c_str()));
   EXPECT_EQ(scratch.read("f"), "x");
   EXPECT_FALSE(fileDelete(qvTest::wide(path).asWChar()));
@@ -123,7 +120,7 @@ TEST(FileOperations, deleteAndAsk) {
 }
 
 TEST(FileOperations, exportedFunctions) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   const std::string from = scratch.write("from", "12345");
   const std::string to = scratch.path("to");
   EXPECT_TRUE(qvOS_DoesDirectoryExist(from.c_str())) << "a plain file will do";
@@ -131,7 +128,7 @@ TEST(FileOperations, exportedFunctions) {
   EXPECT_FALSE(qvOS_CopyFileTo(from.c_str(), to.c_str())) << "false is success";
   EXPECT_EQ(scratch.read("to"), "12345");
   EXPECT_TRUE(qvOS_CopyFileTo(from.c_str(), from.c_str()));
-  EXPECT_TRUE(qvOS_CopyFileToW(qvTest::wide(from).asWChar(), qvTest::wide(scratch.path("no/x")).asWChar()));
+  EXPECT_TRUE(qvOS_CopyFileToW(qvTest::wide(from).asWChar(), scratch.name("no/x").asWChar()));
   EXPECT_TRUE(qvOS_IsFileWriteable(to.c_str()) && qvOS_IsFileWriteableW(qvTest::wide(to).asWChar()));
   const struct {
     int line;
@@ -143,12 +140,12 @@ TEST(FileOperations, exportedFunctions) {
     EXPECT_EQ(buffer, std::string("12345").substr(0, row.count > 0 ? row.count : 0));
   }
   char buffer[8];
-  EXPECT_EQ(qvOS_ReadHeaderFromFileW(qvTest::wide(scratch.path("no")).asWChar(), buffer, 1), -1);
+  EXPECT_EQ(qvOS_ReadHeaderFromFileW(scratch.name("no").asWChar(), buffer, 1), -1);
   EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), nullptr, 1), -1);
 }
 
 TEST(Filesystem, tellsSpace) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   struct statvfs expected;
   ASSERT_EQ(statvfs(scratch.path().c_str(), &expected), 0);
   for (const std::string& path : {scratch.path(), scratch.path("missing")}) {

@@ -83,10 +83,7 @@ TEST(File, errorTable) {
 TEST(File, nameResolves) {
   const struct {
     int line;
-    const char* name;
-    const char* full;
-    const char* title;
-    const char* base;
+    const char *name, *full, *title, *base;
   } rows[] = {
       {__LINE__, "file:///x", "x", "", ""},
       {__LINE__, "file:C:/x", "C:/x", "C:/", "x"},
@@ -124,10 +121,10 @@ TEST(File, withoutTransportEverythingIsRefused) {
 }
 
 TEST(File, stateIsChecked) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("there", "12345");
-  File file(wide(scratch.path("there")));
-  File other(wide(scratch.path("other")));
+  File file = scratch.file("there");
+  File other = scratch.file("other");
   qv::vector<IString> names;
   char byte = 0;
   EXPECT_EQ(file.read(&byte, 1, nullptr).num(), 4);
@@ -145,14 +142,13 @@ TEST(File, stateIsChecked) {
 }
 
 TEST(File, openFailures) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("file", "");
   fs::create_directory(scratch.path("dir"));
   const struct {
     int line;
     std::string name;
-    int flags;
-    int code;
+    int flags, code;
   } rows[] = {
       {__LINE__, "missing", 4, 18}, {__LINE__, "no\\parent", 8, 18},
       {__LINE__, "file/x", 8, 18},  {__LINE__, "dir", 4, 4},
@@ -174,13 +170,15 @@ TEST(File, everyNameIsReachable) {
                                std::string(255, 'l'), "..."};
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
-    const qvTest::Directory scratch;
-    EXPECT_EQ(qvTest::writeFile(scratch.path(name), "content"), 0);
+    const qvTest::Scratch scratch;
+    File file = scratch.file(name);
+    File copy = scratch.file("copy");
+    ASSERT_FALSE(file.open(writeFlag));
+    EXPECT_FALSE(file.write("content", 7, nullptr));
+    EXPECT_FALSE(file.close());
     EXPECT_EQ(scratch.read(name), "content");
     EXPECT_EQ(list(scratch.path()), (std::set<std::string>{".", "..", name}));
     EXPECT_EQ(list(scratch.path(), true).count(scratch.path(name)), 1u);
-    File file(wide(scratch.path(name)));
-    File copy(wide(scratch.path("copy")));
     EXPECT_FALSE(file.copyTo(copy));
     EXPECT_EQ(scratch.read("copy"), "content");
     EXPECT_FALSE(file.deleteSelf(0));
@@ -189,9 +187,9 @@ TEST(File, everyNameIsReachable) {
 }
 
 TEST(File, endShowsOnlyWhenItIsTouched) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("f", "12345");
-  File file(wide(scratch.path("f")));
+  File file = scratch.file("f");
   ASSERT_FALSE(file.open(readFlag));
   char buffer[8] = {};
   std::uint64_t count = 0;
@@ -202,39 +200,33 @@ TEST(File, endShowsOnlyWhenItIsTouched) {
   ASSERT_FALSE(file.getTransport()->open(readFlag)) << "a second open starts again";
   EXPECT_EQ(file.read(buffer, 8, &count).num(), 3);
   EXPECT_EQ(count, 5u);
+  ASSERT_FALSE(file.getTransport()->open(FileTransport::openAppend | readFlag));
+  for (const char* piece : {"6", "7"}) {
+    EXPECT_EQ(file.read(buffer, 8, nullptr).num(), 3);
+    EXPECT_FALSE(file.write(piece, 1, nullptr)) << "appending reads and writes in turn";
+  }
   ASSERT_FALSE(file.getTransport()->open(readFlag));
+  EXPECT_EQ(scratch.read("f"), "1234567");
   qvTest::PlatformScript script;
   script.failCall(0, EIO, "read");
   EXPECT_EQ(file.read(buffer, 8, &count).num(), 4) << "a failure is not an end";
 }
 
-TEST(File, appendingReadsAndWrites) {
-  const qvTest::Directory scratch;
-  scratch.write("f", "abc");
-  File file(wide(scratch.path("f")));
-  ASSERT_FALSE(file.open(FileTransport::openAppend | writeFlag | readFlag));
-  for (const char* piece : {"1", "2"}) {
-    char buffer[16];
-    EXPECT_EQ(file.read(buffer, sizeof buffer, nullptr).num(), 3);
-    EXPECT_FALSE(file.write(piece, 1, nullptr));
-  }
-  EXPECT_FALSE(file.close());
-  EXPECT_EQ(scratch.read("f"), "abc12");
-}
-
 TEST(File, fullDisk) {
   const std::string big(1 << 20, 'x');
-  EXPECT_EQ(qvTest::writeFile("/dev/full", big), 4);
-  const qvTest::Directory scratch;
-  scratch.write("source", big);
-  File source(wide(scratch.path("source")));
   File full(IString("/dev/full"));
+  ASSERT_FALSE(full.open(writeFlag));
+  EXPECT_EQ(full.write(big.data(), big.size(), nullptr).num(), 4);
+  EXPECT_FALSE(full.close());
+  const qvTest::Scratch scratch;
+  scratch.write("source", big);
+  File source = scratch.file("source");
   EXPECT_FALSE(source.copyTo(full)) << "the outcome of a copy is that of the last close";
   EXPECT_EQ(qvTest::inChild([&] {
               const rlimit limit{100000, 100000};
               signal(SIGXFSZ, SIG_IGN);
               ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-              File file(wide(scratch.path("limited")));
+              File file = scratch.file("limited");
               std::uint64_t count = 0;
               ASSERT_FALSE(file.open(writeFlag));
               EXPECT_EQ(file.write(big.data(), big.size(), &count).num(), 4);
@@ -245,9 +237,7 @@ TEST(File, fullDisk) {
 
 TEST(FileTransport, copyTellsTheLastCloseOnly) {
   const struct {
-    int line;
-    int sourceOpen, sourceRead, targetOpen, targetWrite, targetClose;
-    int result;
+    int line, sourceOpen, sourceRead, targetOpen, targetWrite, targetClose, result;
   } rows[] = {
       {__LINE__, 0, 3, 0, 0, 0, 0},  {__LINE__, 18, 3, 0, 0, 0, 0}, {__LINE__, 0, 4, 0, 0, 0, 0},
       {__LINE__, 0, 3, 18, 0, 0, 4}, {__LINE__, 0, 3, 0, 4, 0, 0},  {__LINE__, 0, 0, 0, 4, 5, 5},
@@ -281,13 +271,13 @@ TEST(FileTransport, copyTellsTheLastCloseOnly) {
 }
 
 TEST(File, oneFileUnderTwoNamesIsNeverCopiedOntoItself) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("file", "precious");
   fs::create_symlink("file", scratch.path("link"));
   fs::create_hard_link(scratch.path("file"), scratch.path("hard"));
   const std::string path = scratch.path("file");
   for (const IString& name :
-       {wide(path), IString(path.c_str()), wide(scratch.path("link")), wide(scratch.path("hard"))}) {
+       {wide(path), IString(path.c_str()), scratch.name("link"), scratch.name("hard")}) {
     File file(wide(path));
     File same(name);
     EXPECT_EQ(file.copyTo(same).num(), 7);
@@ -300,8 +290,8 @@ TEST(File, oneFileUnderTwoNamesIsNeverCopiedOntoItself) {
   scratch.write("dir/f", "1");
   fs::create_directory_symlink("dir/sub", scratch.path("short"));
   for (const char* name : {"dir/sub/copy", "dir/copy", "short/copy"}) {
-    File directory(wide(scratch.path("dir")));
-    File inside(wide(scratch.path(name)));
+    File directory = scratch.file("dir");
+    File inside = scratch.file(name);
     EXPECT_EQ(directory.copyTo(inside).num(), 7) << name;
     EXPECT_EQ(directory.moveTo(inside).num(), 7) << name;
   }
@@ -309,7 +299,7 @@ TEST(File, oneFileUnderTwoNamesIsNeverCopiedOntoItself) {
 }
 
 TEST(File, treesAreCopiedAndDeletedWithoutFollowingLinks) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   fs::create_directories(scratch.path("tree/a/b"));
   fs::create_directory(scratch.path("outside"));
   scratch.write("tree/a/b/deep", "deep");
@@ -320,8 +310,8 @@ TEST(File, treesAreCopiedAndDeletedWithoutFollowingLinks) {
   fs::create_symlink("nowhere", scratch.path("tree/dangling"));
   fs::create_symlink("top", scratch.path("tree/alias"));
   ASSERT_EQ(mkfifo(scratch.path("tree/pipe").c_str(), 0600), 0);
-  File tree(wide(scratch.path("tree")));
-  File copy(wide(scratch.path("copy")));
+  File tree = scratch.file("tree");
+  File copy = scratch.file("copy");
   for (int round = 0; round < 2; ++round)
     EXPECT_EQ(tree.copyTo(copy).num(), 11) << "the pipe cannot be copied";
   EXPECT_EQ(scratch.read("copy/a/b/deep"), "deep");
@@ -331,24 +321,24 @@ TEST(File, treesAreCopiedAndDeletedWithoutFollowingLinks) {
   EXPECT_FALSE(fs::is_symlink(scratch.path("copy/alias")));
   EXPECT_EQ(scratch.read("copy/alias"), "top");
 
-  EXPECT_FALSE(File(wide(scratch.path("copy/out/"))).deleteSelf(0)) << "a link goes itself";
-  EXPECT_FALSE(File(wide(scratch.path("copy"))).deleteSelf(0));
+  EXPECT_FALSE(scratch.file("copy/out/").deleteSelf(0)) << "a link goes itself";
+  EXPECT_FALSE(scratch.file("copy").deleteSelf(0));
   EXPECT_FALSE(scratch.exists("copy"));
   EXPECT_EQ(tree.deleteSelf(64).num(), 13) << "this entry only";
   qvTest::failEveryCall(
-      EIO, nullptr, [] {}, [&] { static_cast<void>(File(wide(scratch.path("tree"))).deleteSelf(0)); },
+      EIO, nullptr, [] {}, [&] { static_cast<void>(scratch.file("tree").deleteSelf(0)); },
       [&] { EXPECT_EQ(scratch.read("outside/kept"), "kept"); });
   EXPECT_FALSE(scratch.exists("tree"));
 }
 
 TEST(File, movesByRenamingAndOtherwiseByCopying) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("f", "new");
   scratch.write("old", "old, and longer");
   fs::create_directories(scratch.path("dir/sub"));
   const auto move = [&](const char* from, const char* to) {
-    File source(wide(scratch.path(from)));
-    File target(wide(scratch.path(to)));
+    File source = scratch.file(from);
+    File target = scratch.file(to);
     return source.moveTo(target).num();
   };
   EXPECT_EQ(move("missing", "x"), 2);
@@ -365,7 +355,7 @@ TEST(File, movesByRenamingAndOtherwiseByCopying) {
 }
 
 TEST(File, directories) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   const IString root = wide(scratch.path());
   scratch.write("file", "");
   const struct {
@@ -411,8 +401,8 @@ TEST(File, directories) {
 }
 
 TEST(File, temporaries) {
-  const qvTest::Directory scratch;
-  File file(wide(scratch.path("name.ext")));
+  const qvTest::Scratch scratch;
+  File file = scratch.file("name.ext");
   ASSERT_FALSE(file.openTemp(writeFlag));
   EXPECT_FALSE(file.write("t", 1, nullptr));
   EXPECT_FALSE(file.close());
@@ -420,26 +410,26 @@ TEST(File, temporaries) {
   EXPECT_EQ(made.parent_path(), scratch.path());
   EXPECT_EQ(made.filename().string().substr(0, 3), "nam");
   EXPECT_EQ(scratch.read(made.filename().string()), "t");
-  File directory(wide(scratch.path("dir")));
+  File directory = scratch.file("dir");
   ASSERT_FALSE(directory.makeTempDirectory());
   const std::string name = fs::path(qvTest::native(directory.getFullName())).filename();
   EXPECT_EQ(name.size(), 10u);
   EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxy"), std::string::npos);
   EXPECT_TRUE(fs::is_directory(scratch.path(name)));
-  EXPECT_EQ(File(wide(scratch.path("no/x"))).openTemp(8).num(), 18);
-  EXPECT_EQ(File(wide(scratch.path("no/x"))).makeTempDirectory().num(), 4);
+  EXPECT_EQ(scratch.file("no/x").openTemp(8).num(), 18);
+  EXPECT_EQ(scratch.file("no/x").makeTempDirectory().num(), 4);
   qvTest::failEveryCall(
-      EEXIST, "open", [] {}, [&] { EXPECT_FALSE(File(wide(scratch.path("again"))).openTemp(8)); }, [] {});
+      EEXIST, "open", [] {}, [&] { EXPECT_FALSE(scratch.file("again").openTemp(8)); }, [] {});
 }
 
 TEST(File, statusTellsWhatTheFileIs) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   scratch.write("f", "12345");
   fs::create_directory_symlink(".", scratch.path("link"));
   struct stat expected;
   ASSERT_EQ(stat(scratch.path("f").c_str(), &expected), 0);
   FileStatus status;
-  ASSERT_FALSE(File(wide(scratch.path("f"))).query(status, true));
+  ASSERT_FALSE(scratch.file("f").query(status, true));
   EXPECT_TRUE(status.exists() && status.isFile() && status.isReadable() && status.isWritable());
   EXPECT_FALSE(status.isDirectory() || status.isRemote() || status.isCheckedout());
   EXPECT_EQ(status.getSize(), 5);
@@ -447,21 +437,21 @@ TEST(File, statusTellsWhatTheFileIs) {
   EXPECT_EQ(status.getCreationDate(), expected.st_ctime);
   EXPECT_NE(std::string(status.getOwner().asChar()).find('\\'), std::string::npos);
   EXPECT_NE(std::string(status.getGroup().asChar()).find('\\'), std::string::npos);
-  ASSERT_FALSE(File::query(wide(scratch.path("link")), status));
+  ASSERT_FALSE(File::query(scratch.name("link"), status));
   EXPECT_TRUE(status.isDirectory() && status.exists() && !status.isFile());
 
   for (const char* name : {"missing", "f/below"}) {
     status.setExists(true);
     status.setSize(9);
-    EXPECT_FALSE(File::query(wide(scratch.path(name)), status)) << "no such file is no error";
+    EXPECT_FALSE(File::query(scratch.name(name), status)) << "no such file is no error";
     EXPECT_FALSE(status.exists() || status.getSize());
   }
-  const Error error = File::query(wide(scratch.path(std::string(300, 'n'))), status);
+  const Error error = File::query(scratch.name(std::string(300, 'n')), status);
   EXPECT_EQ(error.num(), 4);
   EXPECT_STREQ(error.message(), strerror(ENAMETOOLONG));
   ASSERT_FALSE(File::query(IString("/dev/null"), status));
   EXPECT_FALSE(status.exists()) << "neither a file nor a directory";
-  const IString missing = wide(scratch.path("missing"));
+  const IString missing = scratch.name("missing");
   const Error unknown = File(missing).getTransport()->queryOwnerGroup(status);
   EXPECT_EQ(unknown.num(), -1);
   EXPECT_EQ(std::string(unknown.message()),
@@ -469,7 +459,7 @@ TEST(File, statusTellsWhatTheFileIs) {
 }
 
 TEST(File, permissionsOfAnOrdinaryUser) {
-  const qvTest::Directory scratch;
+  const qvTest::Scratch scratch;
   for (const char* name : {"readonly", "unreadable", "dir/kept", "dir/sub/x"}) {
     fs::create_directories(fs::path(scratch.path(name)).parent_path());
     scratch.write(name, "1");
@@ -483,13 +473,13 @@ TEST(File, permissionsOfAnOrdinaryUser) {
   EXPECT_EQ(qvTest::inChild([&] {
               ASSERT_TRUE(qvTest::giveUpRoot());
               FileStatus status;
-              EXPECT_FALSE(File::query(wide(scratch.path("readonly")), status));
+              EXPECT_FALSE(File::query(scratch.name("readonly"), status));
               EXPECT_TRUE(status.isReadable() && !status.isWritable());
-              EXPECT_FALSE(File::query(wide(scratch.path("unreadable")), status));
+              EXPECT_FALSE(File::query(scratch.name("unreadable"), status));
               EXPECT_TRUE(status.exists() && !status.isReadable());
-              EXPECT_EQ(File(wide(scratch.path("unreadable"))).open(readFlag).num(), 4);
-              EXPECT_EQ(File(wide(scratch.path("readonly"))).open(writeFlag).num(), 4);
-              EXPECT_EQ(File(wide(scratch.path("dir"))).deleteSelf(0).num(), 13);
+              EXPECT_EQ(scratch.file("unreadable").open(readFlag).num(), 4);
+              EXPECT_EQ(scratch.file("readonly").open(writeFlag).num(), 4);
+              EXPECT_EQ(scratch.file("dir").deleteSelf(0).num(), 13);
             }),
             0);
   EXPECT_EQ(scratch.read("dir/sub/x"), "1");

@@ -4,6 +4,7 @@
 #include "Base/OS/qvOSFile.h"
 #include "Base/OS/qvOSFilename.h"
 #include "Base/OS/qvOSNativePath.h"
+#include "testing/qvTestDirectory.h"
 #include "testing/qvTestStrings.h"
 
 #include <string>
@@ -17,12 +18,11 @@ inline qvString::IString wide(const std::string& native) {
 inline qvOS::Filename filename(const std::string& native) { return qvOS::Filename(wide(native)); }
 inline std::string native(const qvString::IString& name) { return qvOS::toNativePath(name).asChar(); }
 
-/// Writes a file through `File`. @return the code of the first failure.
-inline int writeFile(const std::string& path, const std::string& content) {
-  qvOS::File file(wide(path));
-  if (const qvUtil::Error error = file.open(qvOS::FileTransport::openWrite)) return error.num();
-  const qvUtil::Error error = file.write(content.data(), content.size(), nullptr);
-  return file.close() ? -1 : error.num();
-}
+/// A scratch directory whose files the library opens.
+class Scratch : public Directory {
+public:
+  [[nodiscard]] qvString::IString name(std::string_view file) const { return wide(path(file)); }
+  [[nodiscard]] qvOS::File file(std::string_view file) const { return qvOS::File(name(file)); }
+};
 
 } // namespace qvTest
