@@ -100,7 +100,9 @@ bool ProtectedWrite::finalize() {
   if (statusValue_ == statusOk) oldFileAside = setOldFileAside();
   if (statusValue_ == statusOk) moveIntoPlace(oldFileAside);
   deleteIfPresent(tempFilename_);
-  deleteIfPresent(backupFilename_);
+  // Without a main file the backup is the only copy, as after a rename that was done and yet reported to
+  // fail.
+  if (doesFileExist(mainFilename_)) deleteIfPresent(backupFilename_);
   return statusValue_ == statusOk;
 }
 
