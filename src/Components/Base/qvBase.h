@@ -1,4 +1,5 @@
-// The ground that every header stands on: the export mark, the 16-bit character and the tag of argument lists.
+// The ground that every header stands on: the export mark, the 16-bit character and the tag of argument
+// lists.
 #pragma once
 
 #include <cstdarg>

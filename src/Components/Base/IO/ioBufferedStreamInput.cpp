@@ -1,8 +1,8 @@
 #include "Base/IO/ioBufferFileSubset.h"
 #include "Base/IO/ioBufferIOStream.h"
 #include "Base/IO/ioBufferTCP.h"
-#include "Base/IO/ioPackageFile.h"
 #include "Base/IO/ioBufferedStream.h"
+#include "Base/IO/ioPackageFile.h"
 
 #include <climits>
 

@@ -144,7 +144,9 @@ void expectLayout(const ioPackageFile& package, const Model& model) {
       free = true;
       continue;
     }
-    if (!free) { ASSERT_EQ(entry->getOffset(), end); }
+    if (!free) {
+      ASSERT_EQ(entry->getOffset(), end);
+    }
     free = false;
     if (entry->getName() == IString(".")) {
       ASSERT_EQ(entry->getOffset(), model.end());
