@@ -45,9 +45,8 @@ struct State {
   ~State() { wipe(word, sizeof word); }
 };
 
-/// The key stream of the four blocks from the state's counter on.
-void makeKeyStream(const State& state, unsigned char* stream) noexcept {
-  Word x[16];
+/// The key stream of the four blocks from the state's counter on. `x` is room for the work.
+void makeKeyStream(const State& state, Word (&x)[16], unsigned char* stream) noexcept {
   for (int i = 0; i < 16; ++i)
     for (int j = 0; j < lanes; ++j) x[i].lane[j] = state.word[i];
   for (int j = 0; j < lanes; ++j) x[12].lane[j] += static_cast<std::uint32_t>(j);
@@ -62,7 +61,6 @@ void makeKeyStream(const State& state, unsigned char* stream) noexcept {
       ioStoreLittle32(stream + blockSize * static_cast<std::size_t>(j) + 4 * static_cast<std::size_t>(i),
                       x[i].lane[j] + before);
     }
-  wipe(x, sizeof x);
 }
 
 // ---- The authenticator ---------------------------------------------------------------------------------
@@ -179,16 +177,18 @@ void authenticate(const unsigned char* data, std::size_t size, const unsigned ch
 } // namespace
 
 void wipe(void* memory, std::size_t size) noexcept {
-  volatile unsigned char* byte = static_cast<unsigned char*>(memory);
-  while (size-- > 0) *byte++ = 0;
+  // Through a volatile pointer, so that the compiler cannot know that the call has no effect.
+  static void* (*const volatile set)(void*, int, std::size_t) = std::memset;
+  if (size > 0) set(memory, 0, size);
 }
 
 void chacha20(unsigned char* data, std::size_t size, const unsigned char* key, const unsigned char* nonce,
               std::uint32_t counter) noexcept {
   State state(key, nonce, counter);
+  Word x[16];
   unsigned char stream[blockSize * lanes];
   while (size > 0) {
-    makeKeyStream(state, stream);
+    makeKeyStream(state, x, stream);
     const std::size_t piece = std::min(size, sizeof stream);
     for (std::size_t i = 0; i < piece; ++i) data[i] ^= stream[i];
     data += piece;
@@ -196,6 +196,7 @@ void chacha20(unsigned char* data, std::size_t size, const unsigned char* key, c
     state.word[12] += lanes;
   }
   wipe(stream, sizeof stream);
+  wipe(x, sizeof x);
 }
 
 void poly1305(unsigned char* tag, const unsigned char* message, std::size_t size,

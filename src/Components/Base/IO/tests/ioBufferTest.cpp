@@ -1,0 +1,389 @@
+#include "Base/IO/ioBufferChecksum.h"
+#include "Base/IO/ioBufferCompress.h"
+#include "Base/IO/ioBufferEncrypt.h"
+#include "Base/IO/ioBufferFileSubset.h"
+#include "Base/IO/ioBufferIOStream.h"
+#include "Base/IO/ioBufferTCP.h"
+#include "Base/String/qvStringIString.h"
+#include "Base/TCP/qvTCPAddress.h"
+#include "Base/TCP/qvTCPSocket.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPeer.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <limits>
+#include <memory>
+#include <thread>
+
+namespace {
+
+/// A link whose raw reads and writes are scripted.
+class Scripted : public ioBuffer {
+public:
+  explicit Scripted(bool forReading, int size = 4) : ioBuffer(forReading, size) {}
+  ~Scripted() override { ++destroyed; }
+
+  void finish() override { calls += "finish "; }
+  [[nodiscard]] int kind() const override { return 99; }
+  void closeLink() override { calls += "close "; }
+  int readRaw(void* destination, int count) override {
+    const int piece = std::min(count, static_cast<int>(input.size()));
+    if (piece == 0) setStatus(ioBufferAtEnd);
+    std::copy_n(input.data(), piece, static_cast<char*>(destination));
+    input.erase(0, static_cast<std::size_t>(piece));
+    return failing ? -1 : piece;
+  }
+  void writeRaw(const void* source, int count) override {
+    output.append(static_cast<const char*>(source), static_cast<std::size_t>(count)) += '|';
+  }
+
+  std::string input, output, calls;
+  bool failing = false;
+  static inline int destroyed = 0;
+};
+
+std::string readAll(ioBuffer& link, int piece = 7) {
+  std::string out, buffer(static_cast<std::size_t>(piece), '\0');
+  while (link.good()) out.append(buffer, 0, static_cast<std::size_t>(link.readBytes(buffer.data(), piece)));
+  return out;
+}
+
+qvString::IString wide(const std::string& path) { return {path.c_str(), qvString::UTF8Encoding}; }
+
+TEST(ioBuffer, ReadsInPiecesUntilTheEnd) {
+  Scripted link(true);
+  link.input = "0123456789";
+  char out[20] = {};
+  EXPECT_EQ(link.readBytes(out, 0), 0);
+  EXPECT_EQ(link.readBytes(out, -1), 0);
+  EXPECT_EQ(link.readBytes(out, 6), 6);
+  EXPECT_EQ(link.heldBytes(), 2);
+  EXPECT_EQ(link.totalBytes(), 8);
+  link.flushBuffer(); // a reading link drops what it holds
+  EXPECT_EQ(link.readBytes(out + 6, 9), 2);
+  EXPECT_STREQ(out, "01234589");
+  EXPECT_EQ(link.getStatus(), ioBufferAtEnd);
+  EXPECT_EQ(link.readBytes(out, 1), 0);
+  Scripted failing(true);
+  failing.input = "0123";
+  failing.failing = true;
+  failing.setStatus(ioBufferOK);
+  failing.fillBuffer();
+  EXPECT_EQ(failing.heldBytes(), 0);
+  EXPECT_EQ(failing.totalBytes(), -1);
+}
+
+TEST(ioBuffer, WritesFullBuffersAndFlushesTheRest) {
+  Scripted link(false);
+  static int told;
+  link.setProgressFunction([](int total) { told = total; });
+  link.writeBytes("x", 0);
+  link.writeBytes("x", -1);
+  link.writeBytes("0123", 4);
+  EXPECT_EQ(link.output, "");
+  link.writeBytes("45678", 5);
+  EXPECT_EQ(link.output, "0123|4567|");
+  EXPECT_EQ(told, 8);
+  link.flushBuffer();
+  link.flushBuffer();
+  EXPECT_EQ(link.output, "0123|4567|8|");
+  EXPECT_EQ(told, 9);
+  link.setStatus(ioBufferDiskFull);
+  link.writeBytes("9", 1);
+  link.flushBuffer();
+  EXPECT_EQ(link.output, "0123|4567|8|");
+}
+
+TEST(ioBuffer, OwnsWhatLiesBelow) {
+  const int before = Scripted::destroyed;
+  {
+    auto* const bottom = new Scripted(false);
+    Scripted top(false);
+    top.setNext(bottom);
+    EXPECT_EQ(top.detachNext(), bottom);
+    EXPECT_EQ(top.calls, "finish ");
+    EXPECT_EQ(top.nextLink(), nullptr);
+    top.setNext(bottom);
+    bottom->retain();
+    ioBuffer::release(bottom);
+  }
+  EXPECT_EQ(Scripted::destroyed, before + 2);
+}
+
+TEST(ioBuffer, InheritsStatuses) {
+  for (int below = ioBufferOK; below <= ioBufferFailed; ++below)
+    for (const bool includeEnd : {false, true}) {
+      auto* const bottom = new Scripted(true);
+      Scripted top(true);
+      top.setStatus(ioBufferOpenFailed);
+      top.inheritStatus(includeEnd);
+      top.setNext(bottom);
+      bottom->setStatus(static_cast<ioBufferStatus>(below));
+      top.inheritStatus(includeEnd);
+      const bool isEnd = below == ioBufferAtEnd || below == ioBufferCompressedEnd;
+      const bool rises = below != ioBufferOK && (includeEnd || !isEnd);
+      EXPECT_EQ(top.getStatus(), rises ? below : ioBufferOpenFailed) << below;
+    }
+}
+
+TEST(ioBuffer, TellsItsKind) {
+  EXPECT_EQ(ioBufferFD(true).kind(), 0);
+  EXPECT_EQ(ioBufferCompress(true).kind(), 1);
+  EXPECT_EQ(ioBufferChecksum(true).kind(), 2);
+  EXPECT_EQ(ioBufferTCP(true).kind(), 3);
+  EXPECT_EQ(ioBufferEncrypt(true).kind(), 4);
+  EXPECT_EQ(ioBufferIOStream(true).kind(), 5);
+  EXPECT_EQ(ioBufferFileSubset().kind(), 6);
+  ioBufferChecksum filter(true);
+  EXPECT_FALSE(filter.seekLink(0));
+  EXPECT_EQ(filter.tellLink(), 0);
+}
+
+// ---- Files ---------------------------------------------------------------------------------------------
+
+TEST(ioBufferFD, OpensReadsAndWritesFiles) {
+  const qvTest::Directory directory;
+  const std::string path = directory.path("f");
+  {
+    ioBufferFD link(false);
+    link.openDescriptor(wide(path));
+    link.writeBytes("0123456789", 10);
+    link.flushChain();
+    EXPECT_EQ(link.tellLink(), 10);
+    EXPECT_TRUE(link.seekLink(2));
+    link.writeBytes("ab", 2);
+    link.flushChain();
+    EXPECT_TRUE(link.seekLink(-5)); // the end
+    EXPECT_EQ(link.tellLink(), 10);
+    link.closeLink();
+    link.closeLink();
+    EXPECT_TRUE(link.good());
+    link.writeRaw("x", 1);
+    EXPECT_EQ(link.getStatus(), ioBufferFailed);
+  }
+  EXPECT_EQ(directory.read("f"), "01ab456789");
+  struct stat status;
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+  for (const bool truncate : {false, true}) {
+    ioBufferFD link(false);
+    link.setTruncate(truncate);
+    link.openDescriptor(wide(path));
+    link.writeBytes("X", 1);
+    link.flushChain();
+    link.closeLink();
+    EXPECT_EQ(directory.read("f"), truncate ? "X" : "X1ab456789");
+  }
+  ioBufferFD reading(true);
+  reading.openDescriptor(wide(path));
+  EXPECT_EQ(readAll(reading), "X");
+  EXPECT_EQ(reading.getStatus(), ioBufferAtEnd);
+  EXPECT_EQ(reading.readRaw(nullptr, 1), -1);
+  reading.closeLink();
+  for (const std::string& missing : {directory.path("no/such"), directory.path(), std::string()}) {
+    ioBufferFD link(true);
+    link.openDescriptor(wide(missing));
+    EXPECT_EQ(link.getStatus(), ioBufferOpenFailed);
+  }
+}
+
+TEST(ioBufferFD, TakesOverADescriptorAndWaitsForThoseThatDoNot) {
+  ioBufferFD negative(true);
+  negative.attachDescriptor(-1);
+  EXPECT_EQ(negative.getStatus(), ioBufferOpenFailed);
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+  const std::string data(300000, 'p');
+  std::thread writer([&] {
+    ioBufferFD link(false);
+    link.attachDescriptor(ends[1]);
+    link.writeBytes(data.data(), static_cast<int>(data.size()));
+    link.flushChain();
+    link.closeLink();
+    EXPECT_TRUE(link.good());
+  });
+  ioBufferFD link(true);
+  link.attachDescriptor(ends[0]);
+  EXPECT_TRUE(readAll(link, 1000) == data);
+  EXPECT_EQ(link.getStatus(), ioBufferAtEnd);
+  link.closeLink();
+  writer.join();
+  EXPECT_EQ(fcntl(ends[0], F_GETFD), -1);
+}
+
+TEST(ioBufferFD, TurnsFailuresIntoAStatus) {
+  const qvTest::Directory directory;
+  const std::string path = directory.write("f", "data");
+  const struct {
+    int line;
+    const char* call;
+    int error;
+    bool forReading;
+    ioBufferStatus status;
+  } rows[] = {
+      {__LINE__, "open", EACCES, true, ioBufferOpenFailed},
+      {__LINE__, "open", EINTR, true, ioBufferOK},
+      {__LINE__, "read", EIO, true, ioBufferFailed},
+      {__LINE__, "read", EINTR, true, ioBufferOK},
+      {__LINE__, "read", EAGAIN, true, ioBufferOK},
+      {__LINE__, "write", ENOSPC, false, ioBufferDiskFull},
+      {__LINE__, "write", EIO, false, ioBufferFailed},
+      {__LINE__, "write", EINTR, false, ioBufferOK},
+      {__LINE__, "close", EIO, false, ioBufferFailed},
+  };
+  for (const auto& row : rows) {
+    qvTest::PlatformScript script;
+    script.failCall(0, row.error, row.call);
+    ioBufferFD link(row.forReading);
+    link.openDescriptor(wide(path));
+    char buffer[4];
+    if (row.forReading)
+      (void)link.readBytes(buffer, 4);
+    else
+      link.writeBytes("data", 4);
+    link.flushChain();
+    link.closeLink();
+    EXPECT_EQ(link.getStatus(), row.status) << row.line;
+    EXPECT_EQ(script.failures(), 1) << row.line;
+  }
+}
+
+TEST(ioBufferFileSubset, ReadsItsSliceOnly) {
+  const qvTest::Directory directory;
+  const std::string path = directory.write("f", "0123456789");
+  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  const struct {
+    int line;
+    std::int64_t start, size;
+    std::string content;
+  } rows[] = {
+      {__LINE__, 2, 5, "23456"},
+      {__LINE__, 0, 10, "0123456789"},
+      {__LINE__, 9, 1, "9"},
+      {__LINE__, 10, 0, ""},
+      {__LINE__, 2, 0, ""},
+      {__LINE__, 2, 9, ""},
+      {__LINE__, 11, 0, ""},
+      {__LINE__, most, most, ""},
+      {__LINE__, 2, -1, ""},
+      {__LINE__, -20, 5, ""},
+      {__LINE__, -most - 1, -most - 1, ""},
+  };
+  for (const auto& row : rows) {
+    ioBufferFileSubset link;
+    link.openSlice(wide(path), row.start, row.size);
+    EXPECT_EQ(readAll(link, 3), row.content) << row.line;
+    EXPECT_EQ(link.getStatus(), ioBufferAtEnd) << row.line;
+    link.closeLink();
+  }
+  ioBufferFileSubset link;
+  link.openSlice(wide(path), 2, 5);
+  EXPECT_EQ(link.tellLink(), 0);
+  EXPECT_TRUE(link.seekLink(3));
+  EXPECT_EQ(link.tellLink(), 3);
+  EXPECT_EQ(readAll(link), "56");
+  link.closeLink();
+  ioBufferFileSubset ended;
+  ended.openSlice(wide(path), 2, 5);
+  EXPECT_FALSE(ended.seekLink(5));
+  EXPECT_EQ(ended.getStatus(), ioBufferAtEnd);
+  ended.closeLink();
+  ioBufferFileSubset missing;
+  missing.openSlice(wide(directory.path("none")), 0, 1);
+  EXPECT_EQ(missing.getStatus(), ioBufferOpenFailed);
+}
+
+// ---- Streams and sockets -------------------------------------------------------------------------------
+
+/// Answers each read with the next row, then with a failure.
+class Answers : public qvOS::IOStream {
+public:
+  struct Answer {
+    std::string bytes;
+    int code;
+  };
+  explicit Answers(std::vector<Answer> answers) : answers_(std::move(answers)) {}
+
+  qvUtil::Error read(void* buffer, std::uint64_t size, std::uint64_t* count) override {
+    if (answers_.empty()) return {4, "broken"};
+    const Answer answer = answers_.front();
+    answers_.erase(answers_.begin());
+    std::copy_n(answer.bytes.data(), std::min<std::size_t>(answer.bytes.size(), size),
+                static_cast<char*>(buffer));
+    *count = answer.bytes.size();
+    return answer.code ? qvUtil::Error(answer.code, "end") : qvUtil::Error();
+  }
+  qvUtil::Error write(const void*, std::uint64_t, std::uint64_t* count) override {
+    EXPECT_EQ(count, nullptr);
+    return {4, "full"};
+  }
+
+private:
+  std::vector<Answer> answers_;
+};
+
+TEST(ioBufferIOStream, EndsOnlyWhereAFailureBringsNoBytes) {
+  Answers stream({{"ab", 0}, {"", 0}, {"cd", 3}, {"ef", 0}, {std::string(5000, 'g'), 0}});
+  ioBufferIOStream link(true);
+  link.attachStream(&stream);
+  EXPECT_EQ(readAll(link), "abcdef" + std::string(4096, 'g')); // more than was asked for is not there
+  EXPECT_EQ(link.getStatus(), ioBufferAtEnd);
+  EXPECT_EQ(link.lastError().num(), 4);
+  ioBufferIOStream writing(false);
+  writing.attachStream(&stream);
+  writing.writeBytes("x", 1);
+  writing.flushChain();
+  EXPECT_EQ(writing.getStatus(), ioBufferFailed);
+  for (ioBufferIOStream* const closed : {&link, &writing}) {
+    closed->closeLink();
+    closed->setStatus(ioBufferOK);
+    char c = 0;
+    if (closed == &link) (void)closed->readRaw(&c, 1);
+    if (closed == &writing) closed->writeRaw(&c, 1);
+    EXPECT_EQ(closed->getStatus(), ioBufferFailed);
+  }
+}
+
+TEST(ioBufferTCP, FailsWhereTheConnectionEnds) {
+  const qvTest::Listener listener;
+  qvTCP::ClientSocket socket(qvTCP::Address("127.0.0.1", listener.port()));
+  ASSERT_FALSE(socket.connect());
+  const std::unique_ptr<qvTest::Peer> peer = listener.accept();
+  ioBufferTCP writing(false);
+  writing.attachSocket(&socket);
+  writing.writeBytes("hello", 5);
+  writing.flushChain();
+  EXPECT_EQ(peer->receive(5), "hello");
+  peer->send("0123456789");
+  peer->close();
+  for (const bool throws : {false, true}) { // a socket that throws does not throw through a link
+    socket.setThrowMode(throws);
+    ioBufferTCP link(true);
+    link.attachSocket(&socket);
+    EXPECT_EQ(readAll(link), throws ? "" : "0123456789");
+    EXPECT_EQ(link.getStatus(), ioBufferFailed);
+    EXPECT_EQ(link.lastError().num(), 4);
+  }
+  ioBufferTCP none(true);
+  none.attachSocket(nullptr);
+  EXPECT_EQ(none.getStatus(), ioBufferFailed);
+  for (ioBufferTCP* const closed : {&none, &writing}) {
+    closed->closeLink();
+    closed->setStatus(ioBufferOK);
+    char c = 0;
+    if (closed == &writing)
+      closed->writeRaw(&c, 1);
+    else
+      (void)closed->readRaw(&c, 1);
+    EXPECT_EQ(closed->getStatus(), ioBufferFailed);
+  }
+}
+
+} // namespace

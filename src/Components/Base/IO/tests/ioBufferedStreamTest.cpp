@@ -1,0 +1,565 @@
+#include "Base/IO/ioBufferedStream.h"
+
+#include "Base/IO/ioEncryptKey.h"
+#include "Base/IO/ioHeader.h"
+#include "Base/IO/tests/ioLinkTest.h"
+#include "Base/OS/qvOSMemoryIOStream.h"
+#include "Base/String/qvStringIString.h"
+#include "Base/TCP/qvTCPAddress.h"
+#include "Base/TCP/qvTCPSocket.h"
+#include "testing/qvTestChild.h"
+#include "testing/qvTestDirectory.h"
+#include "testing/qvTestPeer.h"
+#include "testing/qvTestPlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <functional>
+#include <thread>
+#include <unistd.h>
+
+using namespace std::string_literals;
+
+namespace {
+
+qvString::IString wide(const std::string& path) { return {path.c_str(), qvString::UTF8Encoding}; }
+
+/// An input stream over text.
+struct TextInput : ioBufferedStreamInput {
+  explicit TextInput(std::string content)
+      : text(std::move(content)), memory(static_cast<const void*>(text.data()), text.size()) {
+    openIOStream(&memory);
+  }
+  std::string text;
+  qvOS::MemoryIOStream memory;
+};
+
+std::string rest(ioBufferedStreamInput& stream, int piece = 100) {
+  std::string out, buffer(static_cast<std::size_t>(piece), '\0');
+  while (stream.good())
+    out.append(buffer, 0, static_cast<std::size_t>(stream.readData(buffer.data(), piece)));
+  return out;
+}
+
+void write(ioBufferedStreamOutput& stream, const std::string& data, int piece) {
+  for (std::size_t i = 0; i < data.size(); i += static_cast<std::size_t>(piece))
+    stream.writeData(data.data() + i,
+                     static_cast<int>(std::min(data.size() - i, static_cast<std::size_t>(piece))));
+}
+
+// ---- Chains --------------------------------------------------------------------------------------------
+
+/// One letter for each filter, in the order in which they are pushed.
+void push(ioBufferedStream& stream, const std::string& filters) {
+  for (const char filter : filters) {
+    if (filter == 'c') stream.compress(true);
+    if (filter == 's') stream.checksum(true);
+    if (filter == 'e') stream.encrypt(true);
+  }
+}
+
+/// Every order of up to four filters.
+std::vector<std::string> allChains() {
+  std::vector<std::string> chains = {""};
+  for (std::size_t i = 0; i < chains.size() && chains[i].size() < 4; ++i)
+    for (const char filter : "cse"s) chains.push_back(chains[i] + filter);
+  return chains;
+}
+
+/// The status in which a chain ends that has `transport` at its bottom: its topmost filter that has an end of
+/// its own tells it.
+ioStreamStatus endOf(const std::string& filters, ioStreamStatus transport) {
+  const std::size_t top = filters.find_last_of("ce");
+  if (top == std::string::npos) return transport;
+  return filters[top] == 'c' ? ioStreamCompressedEnd : ioStreamAtEnd;
+}
+
+class ioBufferedStreamChains : public testing::Test {
+protected:
+  ioBufferedStreamChains() {
+    ioEncryptKeyInit([](unsigned char* key) {
+      std::fill_n(key, ioEncryptKeySize, static_cast<unsigned char>(9));
+      return true;
+    });
+  }
+  ~ioBufferedStreamChains() override { ioEncryptKeyInit(nullptr); }
+
+  static constexpr int pieces[] = {1, 7, 4095, 4096, 4097, 1000000};
+};
+
+TEST_F(ioBufferedStreamChains, CarryBytesOverEveryTransport) {
+  const qvTest::Directory directory;
+  const std::string path = directory.path("f");
+  qvTest::Random random(7);
+  const std::string data = ioLinkTest::mixed(random, 30000, 200);
+  int n = 0;
+  for (const std::string& chain : allChains()) {
+    SCOPED_TRACE(chain);
+    const int writePiece = pieces[n % 6], readPiece = pieces[n / 6 % 6];
+    ++n;
+    ioBufferedStreamOutput file;
+    file.openFile(wide(path));
+    push(file, chain);
+    write(file, data, writePiece);
+    file.close();
+    EXPECT_TRUE(file.good());
+    ioBufferedStreamInput input;
+    input.openFile(wide(path));
+    push(input, chain);
+    ASSERT_TRUE(rest(input, readPiece) == data);
+    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
+    input.close();
+
+    std::string stored = directory.read("f");
+    const auto size = static_cast<std::int64_t>(stored.size());
+    directory.write("slice", "before" + stored + "after");
+    input.openFileSlice(wide(directory.path("slice")), 6, size);
+    EXPECT_FALSE(input.good()); // opening a slice keeps the status
+    input.close();
+    input.resetStatus();
+    input.openFileSlice(wide(directory.path("slice")), 6, size);
+    push(input, chain);
+    ASSERT_TRUE(rest(input, readPiece) == data);
+    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
+    input.close();
+
+    qvOS::MemoryIOStream memory;
+    ioBufferedStreamOutput stream;
+    stream.openIOStream(&memory);
+    push(stream, chain);
+    write(stream, data, writePiece);
+    stream.close();
+    memory.seek(0);
+    input.openIOStream(&memory);
+    push(input, chain);
+    ASSERT_TRUE(rest(input, readPiece) == data);
+    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
+    input.close();
+  }
+}
+
+TEST_F(ioBufferedStreamChains, CarryBytesInPiecesOfAllSizes) {
+  qvTest::Random random(8);
+  const std::string data = ioLinkTest::mixed(random, 1200000, 200);
+  for (const char* const chain : {"", "cs", "se", "ecs"})
+    for (const int piece : pieces) {
+      qvOS::MemoryIOStream memory;
+      ioBufferedStreamOutput output;
+      output.openIOStream(&memory);
+      push(output, chain);
+      write(output, data, piece);
+      output.close();
+      memory.seek(0);
+      ioBufferedStreamInput input;
+      input.openIOStream(&memory);
+      push(input, chain);
+      ASSERT_TRUE(rest(input, piece) == data) << chain << piece;
+    }
+}
+
+TEST_F(ioBufferedStreamChains, CarryBytesOverASocket) {
+  const qvTest::Listener listener;
+  qvTest::Random random(9);
+  const std::string data = ioLinkTest::mixed(random, 30000, 200);
+  for (const std::string& chain : allChains()) {
+    if (chain.size() > 2) break;
+    SCOPED_TRACE(chain);
+    qvTCP::ClientSocket socket(qvTCP::Address("127.0.0.1", listener.port()));
+    ASSERT_FALSE(socket.connect());
+    const std::unique_ptr<qvTest::Peer> peer = listener.accept();
+    qvOS::MemoryIOStream memory;
+    ioBufferedStreamOutput expected;
+    expected.openIOStream(&memory);
+    push(expected, chain);
+    write(expected, data, 777);
+    expected.close();
+    const std::string sent(static_cast<const char*>(memory.data()), memory.size());
+
+    ioBufferedStreamOutput output;
+    output.openSocket(&socket);
+    push(output, chain);
+    write(output, data, 777);
+    output.close();
+    (void)socket.close(2);
+    const std::string received = peer->receive(100000);
+    EXPECT_TRUE(received == sent || chain.find('e') != std::string::npos);
+    peer->send(received + std::string(8192, '\0')); // a socket waits for whole buffers
+    peer->close();
+    ioBufferedStreamInput input;
+    input.openSocket(&socket);
+    push(input, chain);
+    std::string back(data.size(), '\0');
+    EXPECT_EQ(input.readData(back.data(), static_cast<int>(back.size())), static_cast<int>(data.size()));
+    EXPECT_TRUE(back == data);
+    input.close();
+  }
+}
+
+TEST_F(ioBufferedStreamChains, EndInAStatusWhereverTheStreamIsCutOrChanged) {
+  qvTest::Random random(10);
+  const std::string data = ioLinkTest::mixed(random, 60, 5);
+  for (const std::string& chain : allChains()) {
+    if (chain.empty() || chain.size() > 3) continue;
+    qvOS::MemoryIOStream memory;
+    ioBufferedStreamOutput output;
+    output.openIOStream(&memory);
+    push(output, chain);
+    write(output, data, 1000);
+    output.close();
+    const std::string stored(static_cast<const char*>(memory.data()), memory.size());
+    for (std::size_t i = 0; i < stored.size(); ++i)
+      for (const bool isCut : {false, true}) {
+        TextInput input(isCut ? stored.substr(0, i) : stored);
+        if (!isCut) input.text[i] = static_cast<char>(input.text[i] ^ 1 << random.below(8));
+        push(input, chain);
+        const std::string got = rest(input);
+        EXPECT_NE(input.getStatus(), ioStreamOK);
+        const bool endsWell = input.getStatus() == endOf(chain, ioStreamAtEnd);
+        // What has a sum or a tag is either refused or right; sums let a cut between blocks pass.
+        EXPECT_TRUE(chain.find_first_of("se") == std::string::npos || !endsWell ||
+                    got == data.substr(0, got.size()))
+            << chain << " at " << i;
+        EXPECT_TRUE(chain.find('e') == std::string::npos || !isCut || !endsWell || got == data)
+            << chain << " at " << i;
+      }
+  }
+}
+
+TEST_F(ioBufferedStreamChains, GrowAndShrinkAtTheTop) {
+  qvOS::MemoryIOStream memory;
+  ioBufferedStreamOutput output;
+  output.openIOStream(&memory);
+  output.writeString("plain ");
+  for (const char* const filter : {"c", "s", "e"}) {
+    push(output, filter);
+    output.writeString("filtered ");
+    if (*filter == 'c') output.compress(false);
+    if (*filter == 's') output.checksum(false);
+    if (*filter == 'e') output.encrypt(false);
+    output.writeString("plain ");
+  }
+  output.close();
+  memory.seek(0);
+  ioBufferedStreamInput input;
+  input.openIOStream(&memory);
+  char text[10] = {};
+  EXPECT_EQ(input.readData(text, 6), 6);
+  input.compress(true);
+  EXPECT_EQ(rest(input), "filtered ");
+  EXPECT_EQ(input.getStatus(), ioStreamCompressedEnd);
+  input.compress(false);
+  EXPECT_TRUE(input.good());
+  EXPECT_EQ(input.readData(text, 6), 6);
+  input.checksum(true);
+  EXPECT_EQ(input.readData(text, 9), 9);
+  EXPECT_STREQ(text, "filtered ");
+  input.compress(false); // whatever is on top
+  EXPECT_EQ(input.readData(text, 6), 6);
+  input.encrypt(true);
+  EXPECT_EQ(rest(input), "filtered ");
+  EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
+  input.encrypt(false);
+  input.resetStatus();
+  EXPECT_EQ(rest(input), "plain ");
+}
+
+TEST_F(ioBufferedStreamChains, HaveNoPositionThroughAFilter) {
+  const qvTest::Directory directory;
+  directory.write("f", "0123456789");
+  ioBufferedStreamInput input;
+  input.openFile(wide(directory.path("f")));
+  input.checksum(true);
+  EXPECT_EQ(input.tell(), 0);
+  EXPECT_FALSE(input.seek(3));
+  input.checksum(false);
+  EXPECT_TRUE(input.seek(3));
+  EXPECT_EQ(input.readChar(), '3');
+  EXPECT_EQ(input.tell(), 10); // what was buffered is dropped
+  EXPECT_TRUE(input.good());
+  EXPECT_EQ(input.readChar(), 0);
+  EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
+  input.close();
+}
+
+// ---- Streams -------------------------------------------------------------------------------------------
+
+TEST(ioBufferedStream, TellsAFailedOutputOpenAtTheNextPromotionOnly) {
+  const qvTest::Directory directory;
+  for (int next = 0; next < 3; ++next) {
+    ioBufferedStreamOutput output;
+    output.openFile(wide(directory.path("no/such")));
+    EXPECT_TRUE(output.good());
+    if (next == 0) output.writeString("x");
+    if (next == 1) output.flush();
+    if (next == 2) output.close();
+    EXPECT_EQ(output.getStatus(), ioStreamOpenFailed);
+    output.close();
+  }
+  ioBufferedStreamInput input;
+  input.openFile(wide(directory.path("no/such")));
+  EXPECT_EQ(input.getStatus(), ioStreamOpenFailed);
+  input.openFileSlice(wide(directory.path("no/such")), 0, 1);
+  EXPECT_EQ(input.getStatus(), ioStreamOpenFailed);
+  input.openSocket(nullptr);
+  EXPECT_EQ(input.getStatus(), ioStreamFailed);
+  input.resetStatus();
+  input.openFileSlice(wide(directory.write("f", "abc")), 1, 5);
+  EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
+  EXPECT_EQ(rest(input), "");
+  input.close();
+}
+
+TEST(ioBufferedStream, RefusesWorkWhileClosed) {
+  ioBufferedStreamInput input;
+  ioBufferedStreamOutput output;
+  char c;
+  const std::vector<std::function<void()>> uses = {
+      [&] { EXPECT_EQ(input.readChar(), 0); },
+      [&] { EXPECT_EQ(input.readInt(), 0); },
+      [&] { EXPECT_EQ(input.readData(&c, 1), 0); },
+      [&] { EXPECT_FALSE(input.seek(0)); },
+      [&] { EXPECT_EQ(input.tell(), 0); },
+      [&] { input.compress(true); },
+      [&] { output.writeChar('x'); },
+      [&] { output.writeString("x"); },
+      [&] { output.encrypt(true); },
+  };
+  for (const auto& use : uses) {
+    input.resetStatus();
+    output.resetStatus();
+    use();
+    EXPECT_NE(input.getStatus() == ioStreamFailed, output.getStatus() == ioStreamFailed);
+  }
+  output.setStatus(ioStreamDiskFull);
+  output.flush();
+  output.close();
+  output.checksum(false);
+  output.associateProgressFunction(nullptr);
+  EXPECT_EQ(output.getStatus(), ioStreamDiskFull);
+}
+
+TEST(ioBufferedStream, TellsFailuresOfTheDisk) {
+  const qvTest::Directory directory;
+  const struct {
+    int line;
+    const char* call;
+    int error;
+    ioStreamStatus status;
+  } rows[] = {{__LINE__, "write", ENOSPC, ioStreamDiskFull},
+              {__LINE__, "write", EIO, ioStreamFailed},
+              {__LINE__, "close", EIO, ioStreamFailed}};
+  for (const auto& row : rows)
+    for (const char* const chain : {"", "c", "s", "cs"}) {
+      qvTest::PlatformScript script;
+      script.failCall(0, row.error, row.call);
+      ioBufferedStreamOutput output;
+      output.openFile(wide(directory.path("f")));
+      push(output, chain);
+      output.writeString("data");
+      output.close();
+      EXPECT_EQ(output.getStatus(), row.status) << row.line << chain;
+    }
+}
+
+TEST(ioBufferedStream, SharesItsChainWithCopies) {
+  const qvTest::Directory directory;
+  ioBufferedStreamOutput first;
+  first.openFile(wide(directory.path("f")));
+  {
+    ioBufferedStreamOutput copy(first);
+    copy.writeString("ab");
+    copy.checksum(true); // on top of this copy's chain only
+    ioBufferedStreamOutput other;
+    other = first;
+    std::swap(other, copy);
+    other = copy;
+    other.writeString("cd");
+  }
+  first.writeString("ef");
+  first.close();
+  EXPECT_EQ(directory.read("f"), "abcdef");
+}
+
+TEST(ioBufferedStream, ReadsNumbers) {
+  const struct {
+    int line;
+    std::string text;
+    int value;
+    std::string rest;
+  } rows[] = {
+      {__LINE__, "12x", 12, ""},
+      {__LINE__, " \n\t-7 8", -7, "8"},
+      {__LINE__, "x5", 0, "5"},
+      {__LINE__, "-", 0, ""},
+      {__LINE__, "", 0, ""},
+      {__LINE__, "+1", 0, "1"},
+      {__LINE__, "--1", 0, "1"},
+      {__LINE__, "2147483647 ", INT_MAX, ""},
+      {__LINE__, "2147483648 ", INT_MAX, ""},
+      {__LINE__, "-2147483648 ", INT_MIN, ""},
+      {__LINE__, "-99999999999999999999999999999 ", INT_MIN, ""},
+      {__LINE__, std::string(38, '0') + "123", 1, "3"}, // 39 characters, and the next one is lost
+      {__LINE__, "-" + std::string(37, '0') + "123", -1, "3"},
+  };
+  for (const auto& row : rows) {
+    TextInput input(row.text);
+    EXPECT_EQ(input.readInt(), row.value) << row.line;
+    EXPECT_EQ(rest(input), row.rest) << row.line;
+  }
+}
+
+TEST(ioBufferedStream, ReadsLines) {
+  TextInput input("one\ntwenty\nlast");
+  char line[8];
+  const auto next = [&](int size) {
+    std::fill_n(line, 8, '#');
+    input.readLine(line, size);
+    return std::string(line, 8);
+  };
+  input.readLine(nullptr, 8);
+  EXPECT_EQ(next(0), "\0#######"s);
+  EXPECT_EQ(next(1), "\0#######"s);
+  EXPECT_EQ(next(8), "one\n\0###"s);
+  EXPECT_EQ(next(5), "twen\0###"s);
+  EXPECT_EQ(next(8), "ty\n\0####"s);
+  EXPECT_TRUE(input.good());
+  EXPECT_EQ(next(8), "last\0\0##"s); // the end is stored as a 0 byte
+  EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
+  EXPECT_EQ(next(8), "\0#######"s);
+}
+
+TEST(ioBufferedStream, WritesCharactersAndTexts) {
+  qvOS::MemoryIOStream memory;
+  ioBufferedStreamOutput output;
+  output.openIOStream(&memory);
+  output.writeString("ab");
+  EXPECT_EQ(memory.size(), 0U);
+  output.writeChar('c');
+  EXPECT_EQ(memory.size(), 2U); // everything before goes out first
+  output.writeChar('d');
+  EXPECT_EQ(memory.size(), 3U);
+  output.printf("%d %s %S", -5, "narrow", QV_W("wide"));
+  output.printf("%s", std::string(2000, 'x').c_str());
+  output.printf("%s", "");
+  output.close();
+  const std::string all(static_cast<const char*>(memory.data()), memory.size());
+  EXPECT_EQ(all, "abcd-5 narrow wide" + std::string(1023, 'x'));
+
+  qvOS::MemoryIOStream checked;
+  output.openIOStream(&checked);
+  output.checksum(true);
+  for (const char c : "xyz"s) output.writeChar(c);
+  output.close();
+  EXPECT_EQ(checked.size(), 33U); // a block of its own for each
+}
+
+TEST(ioBufferedStream, TellsProgressOfTheLinkOnTop) {
+  static std::vector<int> told;
+  told.clear();
+  const qvTest::Directory directory;
+  ioBufferedStreamInput input;
+  input.associateProgressFunction([](int) { told.push_back(-1); });
+  input.openFile(wide(directory.write("f", std::string(300000, 'x'))));
+  input.associateProgressFunction([](int total) { told.push_back(total); });
+  (void)rest(input, 5000);
+  input.close();
+  EXPECT_EQ(told, (std::vector<int>{262144, 300000, 300000}));
+}
+
+TEST(ioBufferedStream, TellsTheSizeOfAFile) {
+  const qvTest::Directory directory;
+  EXPECT_EQ(ioBufferedStream::fileSize(wide(directory.write("f", "12345"))), 5);
+  EXPECT_EQ(ioBufferedStream::fileSize(wide(directory.path("none"))), -1);
+  EXPECT_EQ(ioBufferedStream::fileSize(qvString::IString()), -1);
+  const std::string large = directory.write("large", "");
+  ASSERT_EQ(truncate(large.c_str(), 5000000000), 0);
+  EXPECT_EQ(ioBufferedStream::fileSize(wide(large)), 5000000000);
+}
+
+TEST(ioBufferedStream, TakesTheStandardStreams) {
+  const qvTest::Directory directory;
+  const std::string source = directory.write("in", "from the standard input"),
+                    target = directory.write("out", "");
+  EXPECT_EQ(qvTest::inChild([&] {
+              ASSERT_NE(std::freopen(source.c_str(), "r", stdin), nullptr);
+              ASSERT_NE(std::freopen(target.c_str(), "w", stdout), nullptr);
+              ioBufferedStreamInput input;
+              input.openStdin();
+              ioBufferedStreamOutput output;
+              output.openStdout();
+              output.writeString(rest(input).c_str());
+              output.close();
+              input.close();
+              EXPECT_EQ(fcntl(0, F_GETFD), -1); // closing closes them, too
+              EXPECT_EQ(fcntl(1, F_GETFD), -1);
+            }),
+            0);
+  EXPECT_EQ(directory.read("out"), "from the standard input");
+}
+
+// ---- The header ----------------------------------------------------------------------------------------
+
+TEST(ioHeader, WritesTheseBytes) {
+  for (int method = ioWriteAscii; method <= ioWriteBinaryDebug; ++method) {
+    qvOS::MemoryIOStream memory;
+    ioBufferedStreamOutput output;
+    output.openIOStream(&memory);
+    const ioHeader header(static_cast<ioWriteMethod>(method));
+    EXPECT_TRUE(header.valid);
+    header.writeHeader(output);
+    output.close();
+    const char order = ioHeader::systemIsLittleEndian() ? '1' : '0';
+    EXPECT_EQ(std::string(static_cast<const char*>(memory.data()), memory.size()),
+              "^@\n1\n"s + order + " " + std::to_string(method) + " 1\n1 2 4 8 4 8 8\n@\n");
+  }
+  EXPECT_FALSE(ioHeader().valid);
+}
+
+TEST(ioHeader, ReadsWhatItKnows) {
+  const bool little = ioHeader::systemIsLittleEndian();
+  const struct {
+    int line;
+    std::string text;
+    bool valid, littleEndian;
+    int method;
+    ioReadMethod little, big;
+  } rows[] = {
+      {__LINE__, "^@\n1\n1 1 1\n1 2 4 8 4 8 8\n@\n", true, true, 1, ioReadBinarySameEndian,
+       ioReadBinarySwapped},
+      {__LINE__, "^@\n1\n0 1 1\n1 2 4 8 4 8 8\n@\n", true, false, 1, ioReadBinarySwapped,
+       ioReadBinarySameEndian},
+      {__LINE__, "^@\n1\n1 3 1\n1 2 4 8 4 8 8\n@\n", true, true, 3, ioReadBinarySameEndianDebug,
+       ioReadBinarySwappedDebug},
+      {__LINE__, "^@\n9\n7 3 1\n1 2 4 8 4 8 0\nmore, later@\n", true, true, 3, ioReadBinarySameEndianDebug,
+       ioReadBinarySwappedDebug},
+      {__LINE__, "^@\n1\n0 0 1\n9 9 9 9 9 9 9\n@\n", true, false, 0, ioReadAscii, ioReadAscii},
+      {__LINE__, "^@\n1\n0 2 0\n1 2 4 8 4 8 8\n@\n", true, false, 2, ioReadAsciiDebug, ioReadAsciiDebug},
+      {__LINE__, "^@\n1\n1 1 0\n1 2 4 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian,
+       ioReadBinarySwapped},
+      {__LINE__, "^@\n1\n1 1 1\n1 2 8 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian,
+       ioReadBinarySwapped},
+      {__LINE__, "^@\n1\n1 3 1\n1 2 4 8 4 4 8\n@\n", false, true, 3, ioReadBinarySameEndianDebug,
+       ioReadBinarySwappedDebug},
+      {__LINE__, "^@\n1\n1 4 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
+      {__LINE__, "^@\n1\n1 -2 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
+  };
+  for (const auto& row : rows) {
+    TextInput input(row.text + "body");
+    ioHeader header;
+    EXPECT_EQ(header.readHeader(input), row.valid) << row.line;
+    EXPECT_EQ(header.valid, row.valid) << row.line;
+    EXPECT_EQ(header.littleEndian, row.littleEndian) << row.line;
+    EXPECT_EQ(static_cast<int>(header.method), row.method) << row.line;
+    EXPECT_EQ(header.determineReadMethod(), little ? row.little : row.big) << row.line;
+    EXPECT_EQ(rest(input), "body") << row.line;
+  }
+  for (const char* const text : {"", "^", "^@", "^@\r", "^ \n", "@@\n1\n1 1 1\n1 2 4 8 4 8 8\n@\n"}) {
+    TextInput input(text);
+    EXPECT_FALSE(ioHeader().readHeader(input)) << text;
+  }
+}
+
+} // namespace
