@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace qv {
@@ -155,19 +156,52 @@ void VectorImpl::append(const VectorImpl& other) {
   size_ += added;
 }
 
-/// Opens a gap and has it filled. Until that is done the vector ends in front of the gap: an element that
-/// throws while it is copied costs the tail, but nothing is destroyed twice.
+/// A gap of raw memory in front of the tail. Unless it is told to be filled it closes again, so that an
+/// element that throws while it is copied changes nothing.
+class VectorImpl::Gap {
+public:
+  Gap(VectorImpl& vector, char* at, int count) noexcept : vector_(vector), at_(at), count_(count) {
+    move(at_ + vector_.bytes(count_), at_);
+  }
+  Gap(const Gap&) = delete;
+  Gap& operator=(const Gap&) = delete;
+  ~Gap() {
+    if (filled_ == count_) {
+      vector_.size_ += count_;
+    } else {
+      vector_.destructRange(at_, filled_);
+      move(at_, at_ + vector_.bytes(count_));
+    }
+  }
+  void filled(int count) noexcept { filled_ += count; }
+
+private:
+  void move(char* dst, const char* src) const noexcept {
+    const std::size_t tail = static_cast<std::size_t>(vector_.slot(vector_.size_) - at_);
+    moveTail(dst, src, tail, vector_.typeUtil_->elementSize);
+  }
+
+  VectorImpl& vector_;
+  char* at_;
+  int count_;
+  int filled_ = 0;
+};
+
+/// Opens a gap and has it filled by `fill(gap)`, or by `fill(gap, i)` for each element.
 template <class Fill>
 void* VectorImpl::insertGap(void* position, int count, bool exact, Fill fill) {
   const std::ptrdiff_t offset = static_cast<char*>(position) - slot(0);
   const int size = detail::countSum(size_, count);
   if (size > capacity_) exact ? setCapacity(size) : growByOne();
-  char* const gap = slot(0) + offset;
-  moveTail(gap + bytes(count), gap, static_cast<std::size_t>(slot(size_) - gap), typeUtil_->elementSize);
-  size_ = static_cast<std::int32_t>(offset / static_cast<std::ptrdiff_t>(typeUtil_->elementSize));
-  fill(gap);
-  size_ = size;
-  return gap;
+  char* const at = slot(0) + offset;
+  Gap gap(*this, at, count);
+  if constexpr (std::is_invocable_v<Fill, char*, int>) {
+    for (int i = 0; i < count; ++i, gap.filled(1)) fill(at, i);
+  } else {
+    fill(at);
+    gap.filled(count);
+  }
+  return at;
 }
 
 void* VectorImpl::insert(void* position) {
@@ -196,9 +230,8 @@ void* VectorImpl::insertAndAssignPtr(void* position, const void* ptr) {
 
 void VectorImpl::insert(void* position, int count, const void* value) {
   if (count <= 0) return;
-  insertGap(position, count, true, [this, count, value](char* gap) {
-    for (int i = 0; i < count; ++i, ++size_) typeUtil_->copyConstruct(gap + bytes(i), value);
-  });
+  insertGap(position, count, true,
+            [this, value](char* gap, int i) { typeUtil_->copyConstruct(gap + bytes(i), value); });
 }
 
 void VectorImpl::insert(void* position, const void* first, const void* last) {

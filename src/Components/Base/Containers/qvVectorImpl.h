@@ -168,6 +168,7 @@ private:
     return static_cast<char*>(data_) + bytes(index);
   }
   void makeRoomForOne();
+  class Gap;
   template <class Fill>
   void* insertGap(void* position, int count, bool exact, Fill fill);
 };
