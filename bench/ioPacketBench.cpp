@@ -1,0 +1,342 @@
+// Objects that point to each other, written to memory as packets and read back, beside archives that track
+// pointers too. Each object points to any other, so most pointers are read before their object, or long after
+// it.
+#include "Base/IO/ioBufferedStream.h"
+#include "Base/IO/ioClientReadContext.h"
+#include "Base/IO/ioPacketRegistry.h"
+#include "Base/IO/ioPacketType.h"
+#include "Base/IO/ioReadContext.h"
+#include "Base/IO/ioWriteContext.h"
+#include "Base/OS/qvOSMemoryIOStream.h"
+#include "bench/qvBench.h"
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#ifdef BENCH_BoostSerialization
+#include <boost/archive/binary_iarchive.hpp>
+#include <boost/archive/binary_oarchive.hpp>
+#include <boost/serialization/tracking.hpp>
+#endif
+
+#ifdef BENCH_Cereal
+#include <cereal/archives/binary.hpp>
+#include <cereal/types/memory.hpp>
+#endif
+
+namespace {
+
+constexpr int objectCount = 1'000'000;
+constexpr int chainLength = 10'000'000;
+
+struct Object {
+  int id;
+  double x, y, z;
+  Object* next;
+
+  template <class Archive>
+  void serialize(Archive& archive, unsigned) {
+    archive& id& x& y& z& next;
+  }
+};
+
+// The graph as it is given to everybody: object i points to object next[i].
+struct Graph {
+  std::vector<std::unique_ptr<Object>> objects;
+  std::vector<int> next;
+};
+
+Graph makeGraph(std::vector<int> next) {
+  Graph graph;
+  for (std::size_t i = 0; i < next.size(); ++i) {
+    const auto number = static_cast<double>(i);
+    graph.objects.push_back(
+        std::make_unique<Object>(Object{static_cast<int>(i), number / 3, number / 5, number / 7, nullptr}));
+  }
+  for (std::size_t i = 0; i < next.size(); ++i)
+    graph.objects[i]->next = next[i] < 0 ? nullptr : graph.objects[static_cast<std::size_t>(next[i])].get();
+  graph.next = std::move(next);
+  return graph;
+}
+
+const Graph& anywhere() {
+  static const Graph graph = [] {
+    std::vector<int> next;
+    for (const std::uint64_t number : qvBench::randomNumbers(objectCount, 6))
+      next.push_back(static_cast<int>(number % objectCount));
+    return makeGraph(std::move(next));
+  }();
+  return graph;
+}
+
+const Graph& chain() {
+  static const Graph graph = [] {
+    std::vector<int> next;
+    for (int i = 1; i <= chainLength; ++i) next.push_back(i < chainLength ? i : -1);
+    return makeGraph(std::move(next));
+  }();
+  return graph;
+}
+
+// What all must have read.
+template <class Pointers>
+std::uint64_t hashOf(const Pointers& objects) {
+  std::uint64_t hash = objects.size();
+  for (const auto& object : objects) {
+    hash = qvBench::mixed(hash, static_cast<std::uint64_t>(object->id));
+    hash = qvBench::mixed(hash, static_cast<std::uint64_t>(1e6 * (object->x + object->y + object->z)));
+    hash = qvBench::mixed(hash, object->next ? static_cast<std::uint64_t>(object->next->id) : UINT64_MAX);
+  }
+  return hash;
+}
+
+// Each of the following writes a graph to memory that grows, and reads it into objects of their own on the
+// heap.
+
+class Types : public ioPacketRegistry {
+public:
+  using ioPacketRegistry::ioPacketRegistry;
+
+protected:
+  void registerAllTypes() override { supportedType(new ioReadPacketByFunction("object", readObject)); }
+
+private:
+  static void readObject(ioClientReadContext& client);
+};
+
+class Base {
+public:
+  explicit Base(const Graph& graph) : graph_(graph) {}
+
+  void write() {
+    Types types(false);
+    memory_ = std::make_unique<qvOS::MemoryIOStream>();
+    ioBufferedStreamOutput stream;
+    stream.openIOStream(memory_.get());
+    const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(stream, ioWriteBinary, &types));
+    context->startFile();
+    const ioPacketType* const type = types.lookup("object");
+    for (const auto& object : graph_.objects) {
+      context->startPacket(type, object.get());
+      context->writeInt(object->id);
+      context->writeDouble(object->x);
+      context->writeDouble(object->y);
+      context->writeDouble(object->z);
+      context->writeReference(object->next, false);
+      context->endPacket();
+    }
+    context->endFile();
+    stream.close();
+  }
+
+  void read() {
+    Types types(true);
+    qvOS::MemoryIOStream memory(static_cast<const void*>(memory_->data()), memory_->size());
+    ioBufferedStreamInput stream;
+    stream.openIOStream(&memory);
+    const std::unique_ptr<ioReadContext> context(ioReadContextAlloc(stream, &types));
+    objects_.reserve(graph_.objects.size());
+    Client client(context.get(), objects_);
+    if (context->readFile(client) != ioOK) objects_.clear();
+  }
+
+  [[nodiscard]] std::uint64_t hash() const { return hashOf(objects_); }
+  void forget() { objects_.clear(); }
+
+private:
+  friend class Types;
+  using Objects = std::vector<std::unique_ptr<Object>>;
+  struct Client : ioClientReadContext {
+    Client(ioReadContext* context, Objects& target) : ioClientReadContext(context), objects(target) {}
+    Objects& objects;
+  };
+
+  const Graph& graph_;
+  std::unique_ptr<qvOS::MemoryIOStream> memory_;
+  Objects objects_;
+};
+
+void Types::readObject(ioClientReadContext& client) {
+  auto object = std::make_unique<Object>();
+  ioReadContext& context = client.getContext();
+  context.definePacketReference(object.get());
+  context.readInt(object->id);
+  context.readDouble(object->x);
+  context.readDouble(object->y);
+  context.readDouble(object->z);
+  context.readReferenceUsage(&object->next, 0);
+  static_cast<Base::Client&>(client).objects.push_back(std::move(object));
+}
+
+#ifdef BENCH_BoostSerialization
+class BoostSerialization {
+public:
+  explicit BoostSerialization(const Graph& graph) : graph_(graph) {}
+
+  void write() {
+    memory_ = std::make_unique<std::stringbuf>();
+    boost::archive::binary_oarchive archive(*memory_);
+    for (const auto& object : graph_.objects) {
+      const Object* const pointer = object.get();
+      archive << pointer;
+    }
+  }
+
+  void read() {
+    memory_->pubseekpos(0);
+    boost::archive::binary_iarchive archive(*memory_);
+    objects_.reserve(graph_.objects.size());
+    for (std::size_t i = 0; i < graph_.objects.size(); ++i) {
+      Object* pointer = nullptr;
+      archive >> pointer;
+      objects_.emplace_back(pointer);
+    }
+  }
+
+  [[nodiscard]] std::uint64_t hash() const { return hashOf(objects_); }
+  void forget() { objects_.clear(); }
+
+private:
+  const Graph& graph_;
+  std::unique_ptr<std::stringbuf> memory_;
+  std::vector<std::unique_ptr<Object>> objects_;
+};
+#endif
+
+#ifdef BENCH_Cereal
+// It tracks shared pointers only.
+class Cereal {
+public:
+  explicit Cereal(const Graph& graph) {
+    for (const auto& object : graph.objects)
+      written_.push_back(
+          std::make_shared<Shared>(Shared{object->id, object->x, object->y, object->z, nullptr}));
+    for (std::size_t i = 0; i < graph.next.size(); ++i)
+      if (graph.next[i] >= 0) written_[i]->next = written_[static_cast<std::size_t>(graph.next[i])];
+  }
+  ~Cereal() {
+    for (const auto& object : written_) object->next.reset();
+    forget();
+  }
+  Cereal(const Cereal&) = delete;
+  Cereal& operator=(const Cereal&) = delete;
+
+  void write() {
+    memory_ = std::make_unique<std::stringstream>();
+    cereal::BinaryOutputArchive archive(*memory_);
+    for (const auto& object : written_) archive(object);
+  }
+
+  void read() {
+    memory_->clear();
+    memory_->seekg(0);
+    cereal::BinaryInputArchive archive(*memory_);
+    objects_.resize(written_.size());
+    for (auto& object : objects_) archive(object);
+  }
+
+  [[nodiscard]] std::uint64_t hash() const { return hashOf(objects_); }
+  void forget() {
+    for (const auto& object : objects_) object->next.reset();
+    objects_.clear();
+  }
+
+private:
+  struct Shared {
+    int id;
+    double x, y, z;
+    std::shared_ptr<Shared> next;
+
+    template <class Archive>
+    void serialize(Archive& archive) {
+      archive(id, x, y, z, next);
+    }
+  };
+
+  std::vector<std::shared_ptr<Shared>> written_;
+  std::unique_ptr<std::stringstream> memory_;
+  std::vector<std::shared_ptr<Shared>> objects_;
+};
+#endif
+
+// What was written is judged by what it reads as.
+template <class Who>
+void write(benchmark::State& state) {
+  Who who(anywhere());
+  for (auto _ : state) who.write();
+  who.read();
+  qvBench::setResult(state, who.hash());
+}
+
+template <class Who>
+void read(benchmark::State& state) {
+  Who who(anywhere());
+  who.write();
+  std::uint64_t hash = 0;
+  for (auto _ : state) {
+    who.read();
+    state.PauseTiming();
+    hash = who.hash();
+    who.forget();
+    state.ResumeTiming();
+  }
+  qvBench::setResult(state, hash);
+}
+
+void baseChain(benchmark::State& state) {
+  Base who(chain());
+  for (auto _ : state) {
+    who.write();
+    who.read();
+  }
+  if (who.hash() != hashOf(chain().objects)) state.SkipWithError("the chain did not come back");
+  qvBench::setResult(state, who.hash());
+}
+
+// Who goes down the chain by recursion ends with its stack, in a process that is kept apart for that.
+template <class Who>
+void peerChain(benchmark::State& state) {
+  Who who(chain());
+  int status = 0;
+  for (auto _ : state) {
+    const pid_t child = fork();
+    if (child == 0) {
+      const rlimit none{};
+      setrlimit(RLIMIT_CORE, &none);
+      who.write();
+      who.read();
+      _exit(who.hash() == hashOf(chain().objects) ? 0 : 1);
+    }
+    waitpid(child, &status, 0);
+  }
+  if (WIFSIGNALED(status)) state.counters["ended"] = WTERMSIG(status);
+  qvBench::setResult(state, status ? 0 : hashOf(chain().objects));
+}
+
+void once(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Iterations(1)->Unit(benchmark::kMillisecond);
+}
+
+#define BENCH_ARCHIVE(Who, measureChain)                                                                     \
+  BENCHMARK(write<Who>)->Name("packets write/" #Who)->Apply(once);                                           \
+  BENCHMARK(read<Who>)->Name("packets read/" #Who)->Apply(once);                                             \
+  BENCHMARK(measureChain)->Name("chain of references/" #Who)->Apply(once)
+
+BENCH_ARCHIVE(Base, baseChain);
+#ifdef BENCH_BoostSerialization
+BENCH_ARCHIVE(BoostSerialization, peerChain<BoostSerialization>);
+#endif
+#ifdef BENCH_Cereal
+BENCH_ARCHIVE(Cereal, peerChain<Cereal>);
+#endif
+
+} // namespace
+
+#ifdef BENCH_BoostSerialization
+BOOST_CLASS_TRACKING(Object, boost::serialization::track_always)
+#endif
