@@ -1,5 +1,6 @@
 #include "testing/qvTestDirectory.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,13 +11,24 @@ namespace fs = std::filesystem;
 
 namespace qvTest {
 
-Directory::Directory() {
+Directory::Directory() : Directory(fs::temp_directory_path().string()) {}
+
+Directory::Directory(const std::string& parent) {
   std::random_device random;
   for (int attempt = 0; attempt < 100; ++attempt) {
-    path_ = (fs::temp_directory_path() / ("qvtest" + std::to_string(random()))).string();
+    path_ = parent + "/qvtest" + std::to_string(random());
     if (fs::create_directory(path_)) return;
   }
   throw std::runtime_error("no scratch directory");
+}
+
+std::string inMemory() {
+  const char* const place = "/dev/shm";
+  std::error_code none;
+  const bool roomy = fs::space(place, none).available > (1u << 26) && !none;
+  const bool open =
+      roomy && (fs::status(place, none).permissions() & fs::perms::others_write) != fs::perms::none;
+  return open ? place : fs::temp_directory_path().string();
 }
 
 Directory::~Directory() {
@@ -47,5 +59,14 @@ int Directory::entries() const {
   return static_cast<int>(
       std::distance(fs::recursive_directory_iterator(path_), fs::recursive_directory_iterator()));
 }
+
+TemporaryPlace::TemporaryPlace(const std::string& path) {
+  if (const char* const before = std::getenv("TMPDIR")) before_ = before;
+  set(path);
+}
+
+TemporaryPlace::~TemporaryPlace() { before_ ? set(*before_) : void(::unsetenv("TMPDIR")); }
+
+void TemporaryPlace::set(const std::string& path) { ::setenv("TMPDIR", path.c_str(), 1); }
 
 } // namespace qvTest

@@ -1,16 +1,22 @@
 // A scratch directory for one test.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace qvTest {
+
+/// Where files stay in memory, so that waiting for the disk takes no time; the temporary directory on a
+/// system without such a place.
+[[nodiscard]] std::string inMemory();
 
 /// An empty directory of its own, removed with all it holds when the object goes. Paths are native bytes.
 /// Everything goes past the library's platform layer, so scripted failures do not touch it.
 class Directory {
 public:
   Directory();
+  explicit Directory(const std::string& parent);
   ~Directory();
   Directory(const Directory&) = delete;
   Directory& operator=(const Directory&) = delete;
@@ -29,6 +35,20 @@ public:
 
 private:
   std::string path_;
+};
+
+/// Tells the process another directory for temporary files, until it goes.
+class TemporaryPlace {
+public:
+  explicit TemporaryPlace(const std::string& path);
+  ~TemporaryPlace();
+  TemporaryPlace(const TemporaryPlace&) = delete;
+  TemporaryPlace& operator=(const TemporaryPlace&) = delete;
+
+  void set(const std::string& path);
+
+private:
+  std::optional<std::string> before_;
 };
 
 } // namespace qvTest

@@ -13,7 +13,7 @@ namespace qvOS {
 class DirectoryIterator::Walk {
 public:
   explicit Walk(const Filename& walked) : directory(walked) {
-    systemError = entries.open(toNativePath(directory.name()).asChar());
+    systemError = entries.open(toNativePath(directory).asChar());
   }
 
   bool next() {
@@ -51,11 +51,11 @@ qvUtil::Error DirectoryIterator::error() const {
   case qvPlatform::ErrorKind::none:
     return {};
   case qvPlatform::ErrorKind::notFound:
-    return File::getError(18);
+    return File::getError(FileError::notFound);
   case qvPlatform::ErrorKind::notDirectory:
-    return File::getError(10);
+    return File::getError(FileError::notDirectory);
   default:
-    return File::getError(4);
+    return File::getError(FileError::ioProblem);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "Base/OS/qvOSExtendedPath.h"
 
+#include "Base/OS/qvOSFileError.h"
 #include "Base/OS/qvOSFilename.h"
 #include "Base/OS/qvOSNativePath.h"
 #include "Base/Platform/qvPlatformError.h"
@@ -9,25 +10,19 @@
 
 namespace qvOS {
 
-namespace {
-
-constexpr int systemCallFailed = 14;
-
-qvUtil::Error makeAbsolute(qvString::IString& path) {
+qvUtil::Error makeAbsolutePath(const qvString::IString& name, qvString::IString& out) {
+  const Filename file(name);
+  out = file.name();
+  if (file.isAbsolute()) return {};
   std::string full;
-  if (const int error = qvPlatform::absolutePath(toNativePath(path).asChar(), &full))
-    return {systemCallFailed, "%s", qvPlatform::systemErrorText(error).c_str()};
-  path = fromNativePath(qvString::CString(full));
+  if (const int error = qvPlatform::absolutePath(toNativePath(file).asChar(), &full))
+    return {FileError::systemCall, "%s", qvPlatform::systemErrorText(error).c_str()};
+  out = fromNativePath(qvString::CString(full));
   return {};
 }
 
-} // namespace
-
 qvUtil::Error makeExtendedPath(const qvString::IString& name, qvString::IString& out) {
-  const Filename file(name);
-  out = file.name();
-  if (!file.isAbsolute())
-    if (const qvUtil::Error error = makeAbsolute(out)) return error;
+  if (const qvUtil::Error error = makeAbsolutePath(name, out)) return error;
   const qv::WChar sep = Filename::separator();
   if (out.length() > 1 && out[0] == sep && out[1] == sep)
     out.erase(0, 2).prepend(QV_W("\\\\?\\UNC\\"));

@@ -1,4 +1,4 @@
-// The form of a path that interfaces for long paths take.
+// Whole paths, and the form of them that interfaces for long paths take. Private to the library.
 #pragma once
 
 #include "Base/String/qvStringIString.h"
@@ -6,9 +6,13 @@
 
 namespace qvOS {
 
-/// Stores `name`, made absolute, behind "\\?\", or "\\?\UNC\" for a network name.
+/// Stores `name` in canonical form and absolute.
 /// @return no error; or code 14 with the system's text where no absolute path can be told, and then `out` is
 /// the canonical path as it is.
-qvUtil::Error makeExtendedPath(const qvString::IString& name, qvString::IString& out);
+[[nodiscard]] qvUtil::Error makeAbsolutePath(const qvString::IString& name, qvString::IString& out);
+
+/// Stores `name`, made absolute, behind "\\?\", or "\\?\UNC\" for a network name.
+/// @return as `makeAbsolutePath`, whose path has no prefix on failure.
+[[nodiscard]] qvUtil::Error makeExtendedPath(const qvString::IString& name, qvString::IString& out);
 
 } // namespace qvOS

@@ -13,7 +13,6 @@
 namespace qvOS {
 
 using qvPlatform::ErrorKind;
-using qvString::CString;
 using qvString::IString;
 using qvUtil::Error;
 
@@ -23,8 +22,6 @@ template <class C>
 Filename filenameOf(const C* name) {
   return Filename(IString(name));
 }
-
-CString nativeName(const Filename& name) { return toNativePath(name.name()); }
 
 int copyErrorCode(int failed) {
   if (qvPlatform::errorKind(failed) == ErrorKind::notFound) return 2;
@@ -64,12 +61,12 @@ bool isFileWritable(const Filename& name) {
 }
 
 Error fileDelete(const Filename& name) {
-  const int failed = qvPlatform::deleteFile(nativeName(name).asChar());
+  const int failed = qvPlatform::deleteFile(toNativePath(name).asChar());
   return failed ? Error(1, "%s", qvPlatform::systemErrorText(failed).c_str()) : Error();
 }
 
 Error fileCopy(const Filename& from, const Filename& to, bool overwrite) {
-  const int failed = qvPlatform::copyFile(nativeName(from).asChar(), nativeName(to).asChar(), overwrite);
+  const int failed = qvPlatform::copyFile(toNativePath(from).asChar(), toNativePath(to).asChar(), overwrite);
   if (!failed) return Error();
   return Error(copyErrorCode(failed), "Error copying %S to %S: %s", from.name().asWChar(),
                to.name().asWChar(), qvPlatform::systemErrorText(failed).c_str());
@@ -79,14 +76,14 @@ Error fileMove(const Filename& from, const Filename& to, bool overwrite) {
   Error error = fileCopy(from, to, overwrite);
   if (error) return error;
   // A file that moves keeps its owner and group where the system allows.
-  static_cast<void>(qvPlatform::copyAttributes(nativeName(from).asChar(), nativeName(to).asChar()));
+  static_cast<void>(qvPlatform::copyAttributes(toNativePath(from).asChar(), toNativePath(to).asChar()));
   static_cast<void>(fileDelete(from));
   return error;
 }
 
 Error fileRename(const Filename& from, const Filename& to) {
   if (from.dirname() != to.dirname()) return fileMove(from, to, true);
-  const int failed = qvPlatform::renameFile(nativeName(from).asChar(), nativeName(to).asChar());
+  const int failed = qvPlatform::renameFile(toNativePath(from).asChar(), toNativePath(to).asChar());
   return renameError(failed ? -1 : 0, to);
 }
 

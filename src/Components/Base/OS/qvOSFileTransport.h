@@ -21,7 +21,7 @@ public:
   enum OpenFlags {
     openText = 1,       ///< text mode; without it the stream is binary
     openRead = 4,       ///< for reading; the file must exist
-    openWrite = 8,      ///< for writing; an existing file is emptied
+    openWrite = 8,      ///< for writing; an existing file is emptied. Without effect beside `openRead`
     openAppend = 16,    ///< for reading and for writing at the end; overrides the two above
     openToCopy = 6,     ///< what `copyTo` opens its source with
     openAsCopy = 8 | 32 ///< what `copyTo` opens its destination with

@@ -108,7 +108,7 @@ private:
     const std::size_t length = drive ? 2 : network ? shareLength(rest) : 0;
     prefix = IString(rest.substr(0, length));
     const bool share = network && length + 1 < rest.size();
-    rest.remove_prefix(network && length < rest.size() ? length + 1 : length);
+    rest.remove_prefix(share ? length + 1 : length);
     return share;
   }
 
@@ -218,9 +218,9 @@ IString Filename::join(const IString& a, const IString& b, const IString& c, con
   return Filename(join(a, b), join(c, d)).name();
 }
 
-bool Filename::setCwd() const { return qvPlatform::setWorkingDirectory(toNativePath(path_).asChar()) == 0; }
+bool Filename::setCwd() const { return qvPlatform::setWorkingDirectory(toNativePath(*this).asChar()) == 0; }
 
-bool Filename::makeDir() const { return qvPlatform::makeDirectory(toNativePath(path_).asChar()) == 0; }
+bool Filename::makeDir() const { return qvPlatform::makeDirectory(toNativePath(*this).asChar()) == 0; }
 
 Filename& Filename::getCwd() {
   std::string native;

@@ -1,12 +1,10 @@
 #include "Base/OS/qvOSFilesystem.h"
 
+#include "Base/OS/qvOSExtendedPath.h"
 #include "Base/OS/qvOSFilename.h"
 #include "Base/OS/qvOSNativePath.h"
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformFile.h"
-#include "Base/Platform/qvPlatformPath.h"
-
-#include <string>
 
 namespace qvOS {
 
@@ -17,35 +15,34 @@ using qvUtil::Error;
 namespace {
 
 /// The name itself where it exists, since it may be where another file system is mounted, else its directory.
-CString nameOnVolume(const std::string& absolute) {
-  const CString whole(absolute.c_str());
+IString nameOnVolume(const IString& name) {
   qvPlatform::FileInfo info;
-  return qvPlatform::queryFile(whole.asChar(), &info)
-             ? toNativePath(Filename(fromNativePath(whole)).dirname())
-             : whole;
+  return qvPlatform::queryFile(toNativePath(name).asChar(), &info) ? Filename(name).dirname() : name;
 }
 
 } // namespace
 
+static_assert(sizeof(Filesystem) == sizeof(IString) + 4 * sizeof(std::uint64_t));
+
 Error Filesystem::stat() {
-  const CString native = filename_.isEmpty() ? CString(".") : toNativePath(filename_);
-  std::string absolute;
-  if (native.isEmpty() || qvPlatform::absolutePath(native.asChar(), &absolute))
+  IString whole;
+  if (makeAbsolutePath(filename_.isEmpty() ? IString(".") : filename_, whole))
     return Error(1, "Filesystem::stat(): invalid path %ls\n", filename_.asWChar());
 
-  const CString place = nameOnVolume(absolute);
+  const IString place = nameOnVolume(whole);
+  const CString native = toNativePath(place);
   qvPlatform::VolumeSpace space;
   Error error;
-  if (const int failed = qvPlatform::queryVolumeSpace(place.asChar(), &space)) {
-    error = Error(1, "Filesystem::stat(): GetDiskFreeSpaceEx(%ls) failed: %s",
-                  fromNativePath(place).asWChar(), qvPlatform::systemErrorText(failed).c_str());
+  if (const int failed = qvPlatform::queryVolumeSpace(native.asChar(), &space)) {
+    error = Error(1, "Filesystem::stat(): GetDiskFreeSpaceEx(%ls) failed: %s", place.asWChar(),
+                  qvPlatform::systemErrorText(failed).c_str());
   } else {
     blockSize_ = 1024;
     size_ = space.total / blockSize_;
     avail_ = space.available / blockSize_;
   }
-  isRemote_ = false;
-  static_cast<void>(qvPlatform::queryRemote(place.asChar(), &isRemote_));
+  isRemote_ = whole.find(QV_W("\\\\")) == 0; // A network name, whatever the system knows of it.
+  if (!isRemote_) static_cast<void>(qvPlatform::queryRemote(native.asChar(), &isRemote_));
   return error;
 }
 

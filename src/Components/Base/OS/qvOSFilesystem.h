@@ -15,7 +15,8 @@ public:
   explicit Filesystem(const qvString::IString& name) : filename_(name) {}
 
   /// Asks the system. Code 1 if the name is no valid path, or if the system does not tell the space; whether
-  /// the file system is remote is asked in the second case too.
+  /// the file system is remote is asked in the second case too, and is true of every name that begins with
+  /// two backslashes.
   QV_BASE_API qvUtil::Error stat();
 
   [[nodiscard]] const qvString::IString& filename() const noexcept { return filename_; }

@@ -60,18 +60,19 @@ std::string modeOf(int flags) {
   return mode + (flags & FileTransport::openText ? 't' : 'b');
 }
 
-Error openError(int failed) {
+/// The failure of a call that makes a name; no error for 0.
+Error creationError(int failed) {
   if (!failed) return Error();
-  if (qvPlatform::isNotFound(failed)) return File::getError(FileError::notFound);
   const bool exists = qvPlatform::errorKind(failed) == ErrorKind::exists;
   return File::getError(exists ? FileError::exists : FileError::ioProblem);
 }
 
+Error openError(int failed) {
+  return qvPlatform::isNotFound(failed) ? File::getError(FileError::notFound) : creationError(failed);
+}
+
 Error makeDirectoryAt(const IString& path) {
-  const int failed = qvPlatform::makeDirectory(toNativePath(path).asChar());
-  if (!failed) return Error();
-  const bool exists = qvPlatform::errorKind(failed) == ErrorKind::exists;
-  return File::getError(exists ? FileError::exists : FileError::ioProblem);
+  return creationError(qvPlatform::makeDirectory(toNativePath(path).asChar()));
 }
 
 /// The directory in which temporaries for `path` are made.
@@ -147,6 +148,7 @@ void LocalFileTransport::rename(const IString& path) {
 }
 
 Error LocalFileTransport::openTemp(int flags) {
+  static_cast<void>(close());
   const Filename directory = temporaryDirectory(path_);
   IString prefix = temporaryPrefix(path_);
   int failed = 0;
@@ -156,7 +158,7 @@ Error LocalFileTransport::openTemp(int flags) {
     if (!failed) {
       failed = openStream(made.name(), flags);
       if (!failed) rename(made.name());
-      if (failed) static_cast<void>(qvPlatform::deleteFile(toNativePath(made.name()).asChar()));
+      if (failed) static_cast<void>(qvPlatform::deleteFile(toNativePath(made).asChar()));
     }
     if (qvPlatform::errorKind(failed) != ErrorKind::exists) break;
     prefix = temporaryPrefix(randomLetters(5));
@@ -339,10 +341,7 @@ Error copyLink(const FileTransport& source, const FileTransport& dest) {
   if (!local->queryLink(&info) && info.kind == FileKind::link)
     static_cast<void>(qvPlatform::deleteFile(to.asChar()));
   const CString from = toNativePath(withoutTrailingSeparators(source.getFullName()));
-  const int failed = qvPlatform::copyLink(from.asChar(), to.asChar());
-  if (!failed) return Error();
-  const bool exists = qvPlatform::errorKind(failed) == ErrorKind::exists;
-  return File::getError(exists ? FileError::exists : FileError::ioProblem);
+  return creationError(qvPlatform::copyLink(from.asChar(), to.asChar()));
 }
 
 bool isSameFile(const FileTransport& a, const FileTransport& b) {
@@ -366,7 +365,7 @@ bool liesInside(const FileTransport& dest, const FileTransport& source) {
   Filename above(fromNativePath(CString(name.c_str())));
   for (;;) {
     FileInfo info;
-    if (!qvPlatform::queryFile(toNativePath(above.name()).asChar(), &info) && info.isSameFile(directory))
+    if (!qvPlatform::queryFile(toNativePath(above).asChar(), &info) && info.isSameFile(directory))
       return true;
     const IString next = above.dirname();
     if (next.length() >= above.name().length()) return false;

@@ -2,6 +2,7 @@
 // themselves. Everything in the library that opens a file goes this way.
 #pragma once
 
+#include "Base/OS/qvOSFilename.h"
 #include "Base/String/qvStringCString.h"
 #include "Base/String/qvStringIString.h"
 #include "Base/qvBase.h"
@@ -9,17 +10,20 @@
 namespace qvOS {
 
 /// The bytes under which the system knows `path`. On POSIX systems:
-/// - Either separator separates. Drive `C:` is the root: "C:\tmp\x", "\tmp\x", "/tmp/x" and "\\?\C:\tmp\x"
-/// are
-///   all "/tmp/x". A drive with no separator after it, as in "C:x", counts from the current directory.
+/// - Either separator separates, and drive `C:` is the root, so that "C:\tmp\x", "\tmp\x", "/tmp/x" and
+///   "\\?\C:\tmp\x" are all "/tmp/x". A drive with no separator after it, as in "C:x", counts from the
+///   current directory.
 /// - All else is UTF-8, with the lone surrogates of `fromNativePath` as the bytes they stand for.
 /// - Any other drive, a network or device name, and a path with a zero unit or with any other lone surrogate
-/// name
-///   nothing here. They give an empty text, which no file has, so the system answers that there is no such
-///   file.
+///   name nothing here. They give an empty text, which no file has, so the system answers that there is no
+///   such file.
 ///
 /// On Windows the result is UTF-8 with lone surrogates kept in that same way.
 [[nodiscard]] QV_BASE_API qvString::CString toNativePath(const qvString::IString& path);
+/// The same of the name.
+[[nodiscard]] inline qvString::CString toNativePath(const Filename& file) {
+  return toNativePath(file.name());
+}
 
 /// The wide path of a file that the system knows as `path`. `toNativePath` gives the same bytes again,
 /// whatever they are. An absolute path begins with "C:\". On POSIX systems a byte that is no part of UTF-8

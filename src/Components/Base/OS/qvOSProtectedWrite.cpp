@@ -11,12 +11,7 @@
 
 namespace qvOS {
 
-using qvString::CString;
-using qvString::IString;
-
 namespace {
-
-CString nativeName(const Filename& name) { return toNativePath(name.name()); }
 
 bool environmentAsksForCopies() {
   static const bool asks = std::getenv("VELUM_PROTECTED_WRITE_USE_COPY") != nullptr;
@@ -26,7 +21,7 @@ bool environmentAsksForCopies() {
 /// True if nothing of that name is left.
 bool deleteIfPresent(const Filename& name) { return !doesFileExist(name) || !fileDelete(name); }
 
-bool reachesDisk(const Filename& name) { return !qvPlatform::syncFileAt(nativeName(name).asChar()); }
+bool reachesDisk(const Filename& name) { return !qvPlatform::syncFileAt(toNativePath(name).asChar()); }
 
 Filename beside(const Filename& main, const Filename& temporary) {
   return Filename(main.dirname(), temporary.basename());
@@ -113,8 +108,8 @@ bool ProtectedWrite::setOldFileAside() {
   const bool unknown = static_cast<bool>(File::query(mainFilename_, old));
   if (!unknown && !old.exists()) return false;
   if (!unknown) {
-    static_cast<void>(
-        qvPlatform::copyAttributes(nativeName(mainFilename_).asChar(), nativeName(tempFilename_).asChar()));
+    static_cast<void>(qvPlatform::copyAttributes(toNativePath(mainFilename_).asChar(),
+                                                 toNativePath(tempFilename_).asChar()));
     if (!fileRename(mainFilename_, backupFilename_)) return true;
   }
   statusValue_ = statusBackupFailed;
@@ -123,11 +118,19 @@ bool ProtectedWrite::setOldFileAside() {
 
 void ProtectedWrite::moveIntoPlace(bool oldFileAside) {
   const bool moved = !fileRename(tempFilename_, mainFilename_);
-  if (moved && (!copyStrategy_ || reachesDisk(mainFilename_))) return;
+  if (moved && (!copyStrategy_ || reachesDisk(mainFilename_))) return keepNames();
   statusValue_ = statusMainNotWritable;
   if (moved || oldFileAside) static_cast<void>(fileDelete(mainFilename_));
   // An old file that does not come back is its only copy, and stays under the name that it has.
   if (oldFileAside && fileRename(backupFilename_, mainFilename_)) backupFilename_ = Filename();
+}
+
+/// Asks that the swapped names outlive a loss of power, before the old file goes. Not every file system can
+/// be asked.
+void ProtectedWrite::keepNames() const {
+  const qvString::IString& directory = mainFilename_.dirname();
+  const qvString::CString native = directory.isEmpty() ? qvString::CString(".") : toNativePath(directory);
+  static_cast<void>(qvPlatform::syncDirectory(native.asChar()));
 }
 
 ProtectedWrite::status ProtectedWrite::getStatus() const { return statusValue_; }

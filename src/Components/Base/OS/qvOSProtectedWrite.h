@@ -74,6 +74,7 @@ private:
   void chooseNames();
   bool setOldFileAside();
   void moveIntoPlace(bool oldFileAside);
+  void keepNames() const;
 
   Filename mainFilename_;
   Filename tempFilename_;

@@ -78,6 +78,8 @@ CString asUtf8(const IString& text) { return CString(text.asUTF8()); }
 
 } // namespace
 
+static_assert(sizeof(URL) == 9 * sizeof(CString) + 2 * sizeof(int) + 2 * sizeof(Filename));
+
 URL::URL(const CString& text) {
   plainInfo_.path = "/";
   const std::size_t mark = text.view().find(protocolMark);
@@ -169,7 +171,7 @@ void URL::parseQueryAndRef(std::string_view text, std::size_t mark) {
     const std::size_t query = mark + 1;
     mark = text.find('#', query);
     if (mark == npos) {
-      // A query of one character at the very end is dropped, on purpose: callers rely on it.
+      // A query of one character at the very end is dropped, on purpose.
       if (query + 1 != text.size()) plainInfo_.query = CString(text.substr(query));
       return;
     }

@@ -30,7 +30,7 @@ int makeUniqueFile(const Filename& directory, const IString& prefix, Filename* m
     const Filename name(directory.name(), shortPrefix(prefix) + number);
     qvPlatform::FileHandle file = qvPlatform::noFile;
     const unsigned flags = qvPlatform::openWrite | qvPlatform::openCreate | qvPlatform::openExclusive;
-    const int failed = qvPlatform::openFile(toNativePath(name.name()).asChar(), flags, &file);
+    const int failed = qvPlatform::openFile(toNativePath(name).asChar(), flags, &file);
     if (failed && qvPlatform::errorKind(failed) != ErrorKind::exists) return failed;
     if (failed) continue;
     qvPlatform::closeFile(file);

@@ -2,8 +2,7 @@
 
 #include "Base/OS/qvOSDirectoryIterator.h"
 #include "Base/OS/qvOSExtendedPath.h"
-#include "Base/OS/qvOSFilename.h"
-#include "testing/qvTestDirectory.h"
+#include "Base/OS/tests/qvOSTestName.h"
 #include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
@@ -16,15 +15,10 @@
 using qvOS::DirectoryIterator;
 using qvOS::Filename;
 using qvString::IString;
+using qvTest::native;
+using qvTest::wide;
 
-namespace {
-
-std::string native(const IString& path) { return std::string(qvOS::toNativePath(path).view()); }
-IString wide(const std::string& path) { return qvOS::fromNativePath(qvString::CString(path)); }
-
-} // namespace
-
-TEST(NativePath, ReachesEveryNameThroughAFilename) {
+TEST(NativePath, ReachesEveryName) {
   const qvTest::Directory directory;
   std::set<std::string> names = {
       "with blank", "C:",       "C:drive", "a\\..\\b",     "\\\\srv\\share", "D:\\x",
@@ -36,7 +30,7 @@ TEST(NativePath, ReachesEveryNameThroughAFilename) {
 
   const Filename scratch(wide(directory.path()));
   EXPECT_TRUE(scratch.isAbsolute());
-  std::set<std::string> seen;
+  std::set<std::string> seen, listed;
   for (DirectoryIterator it(scratch); it.next();) {
     const std::string name = native(it.name());
     seen.insert(name);
@@ -45,8 +39,22 @@ TEST(NativePath, ReachesEveryNameThroughAFilename) {
     EXPECT_EQ(it.path().dirname(), scratch.name());
     EXPECT_TRUE(Filename(it.name()).prefix().isEmpty());
     EXPECT_EQ(directory.read(native(Filename(it.path().name(), '/').basename())), name);
+    qvOS::File file(it.path().name());
+    std::string text(name.size(), ' ');
+    EXPECT_FALSE(file.open(qvOS::FileTransport::openRead));
+    EXPECT_FALSE(file.read(text.data(), text.size(), nullptr) || file.close());
+    EXPECT_EQ(text, name);
   }
   EXPECT_EQ(seen, names);
+  qv::vector<IString> entries;
+  EXPECT_FALSE(qvOS::File(scratch.name()).readDir(entries, true));
+  for (const IString& entry : entries) {
+    listed.insert(native(entry).substr(directory.path().size() + 1));
+    static_cast<void>(qvOS::File(entry).deleteSelf(qvOS::FileTransport::deleteEntryOnly));
+  }
+  names.insert({".", ".."});
+  EXPECT_EQ(listed, names);
+  EXPECT_EQ(directory.entries(), 0);
 }
 
 TEST(DirectoryIterator, TellsDirectoriesAndLinks) {

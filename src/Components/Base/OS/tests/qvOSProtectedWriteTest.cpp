@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <optional>
 
 #include <sys/stat.h>
 
@@ -26,12 +25,6 @@ const std::string newText(70000, 'n');
 /// A main file in one directory, and the temporary directory for the process in another.
 class ProtectedWriteTest : public testing::Test {
 protected:
-  ProtectedWriteTest() {
-    if (const char* before = std::getenv("TMPDIR")) before_ = before;
-    setenv("TMPDIR", temporary.path().c_str(), 1);
-  }
-  ~ProtectedWriteTest() override { before_ ? setenv("TMPDIR", before_->c_str(), 1) : unsetenv("TMPDIR"); }
-
   void prepare(bool oldFile = true) {
     for (const qvTest::Directory* directory : {&home, &temporary}) {
       for (const auto& entry : fs::directory_iterator(directory->path())) fs::remove_all(entry);
@@ -68,22 +61,34 @@ protected:
     return false;
   }
 
-  qvTest::Directory home;
-  qvTest::Directory temporary;
-
-private:
-  std::optional<std::string> before_;
+  const qvTest::Directory home{qvTest::inMemory()};
+  const qvTest::Directory temporary{qvTest::inMemory()};
+  qvTest::TemporaryPlace place{temporary.path()};
 };
 
 TEST_F(ProtectedWriteTest, savesNewAndOldFilesByBothStrategies) {
+  const bool root = geteuid() == 0;
   for (const bool copies : {false, true}) {
     for (const bool oldFile : {false, true}) {
       SCOPED_TRACE(copies * 10 + oldFile);
       prepare(oldFile);
+      const std::string path = home.path("main.dat");
+      if (oldFile) fs::permissions(path, fs::perms(0640));
+      ASSERT_TRUE(!root || !oldFile || chown(path.c_str(), 1234, 2345) == 0);
+      qvTest::PlatformScript script;
       EXPECT_TRUE(saveOnce(copies));
       EXPECT_EQ(home.read("main.dat"), newText);
       EXPECT_EQ(home.entries(), 1);
       EXPECT_EQ(temporary.entries(), 0);
+      EXPECT_EQ(script.count("sync"), copies ? 3 : 2) << "the content, a copy of it, and the names";
+      if (!oldFile) continue;
+      struct stat status;
+      ASSERT_EQ(stat(path.c_str(), &status), 0);
+      EXPECT_EQ(status.st_mode & 0777, 0640u);
+      EXPECT_TRUE(!root || (status.st_uid == 1234 && status.st_gid == 2345));
+      const std::vector<std::string> calls = script.calls();
+      const auto last = [&](const char* name) { return std::find(calls.rbegin(), calls.rend(), name); };
+      EXPECT_LT(last("unlink"), last("sync")) << "the old file goes when the new one is safe";
     }
   }
 }
@@ -209,21 +214,6 @@ TEST_F(ProtectedWriteTest, aKilledProcessLeavesOldOrNew) {
   }
 }
 
-TEST_F(ProtectedWriteTest, newFileTakesTheAttributesOfTheOld) {
-  for (const bool copies : {false, true}) {
-    prepare();
-    const bool root = geteuid() == 0;
-    ASSERT_TRUE(!root || chown(home.path("main.dat").c_str(), 1234, 2345) == 0);
-    fs::permissions(home.path("main.dat"), fs::perms(0640));
-    ASSERT_TRUE(saveOnce(copies));
-    struct stat status;
-    ASSERT_EQ(stat(home.path("main.dat").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
-    EXPECT_TRUE(!root || (status.st_uid == 1234 && status.st_gid == 2345));
-    EXPECT_EQ(home.read("main.dat"), newText);
-  }
-}
-
 TEST_F(ProtectedWriteTest, ordinaryUserIsRefusedAtOnce) {
   prepare();
   fs::permissions(home.path("main.dat"), fs::perms(0444));
@@ -250,7 +240,7 @@ TEST_F(ProtectedWriteTest, specialFilesStayWhatTheyAre) {
 
 TEST_F(ProtectedWriteTest, staleTemporariesAreInTheWayOnlyIfTheyStay) {
   prepare();
-  setenv("TMPDIR", temporary.path("missing").c_str(), 1); // Without it the names are known beforehand.
+  place.set(temporary.path("missing")); // Without it the names are known beforehand.
   const std::string stale = std::to_string(getpid()) + ".1.tmp";
   home.write(stale, "stale");
   EXPECT_TRUE(saveOnce(false));
@@ -263,7 +253,7 @@ TEST_F(ProtectedWriteTest, staleTemporariesAreInTheWayOnlyIfTheyStay) {
 
 TEST_F(ProtectedWriteTest, copyStrategyWantsItsDirectory) {
   prepare();
-  setenv("TMPDIR", temporary.path("sub").c_str(), 1);
+  place.set(temporary.path("sub"));
   const auto initStatus = [&] {
     ProtectedWrite save(mainName());
     save.useCopyStrategy();

@@ -3,9 +3,11 @@
 #include "Base/OS/tests/qvOSTestName.h"
 #include "testing/qvTestChild.h"
 #include "testing/qvTestDirectory.h"
+#include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 
@@ -75,6 +77,13 @@ TEST(Temporary, sweepTakesOldScratchFilesOnly) {
   for (const auto& row : rows) EXPECT_EQ(scratch.exists(row.name), !row.goes) << row.line;
   for (const char* name : {"young.ac$", "dir.ac$", "dangling.ac$"}) EXPECT_TRUE(scratch.exists(name)) << name;
   EXPECT_EQ(cleanupTempDirectory(IString("C:\\no\\such\\directory")), 0);
+
+  fs::last_write_time(scratch.write("b.ac$", ""), fs::file_time_type::clock::now() - eightDays);
+  const qvTest::TemporaryPlace place(scratch.path());
+  qvTest::PlatformScript script;
+  script.failCall(1, EIO, "opendir"); // Who runs this keeps what lies in the usual place.
+  EXPECT_EQ(cleanupTempDirectory(), 1);
+  EXPECT_EQ(script.failures(), 1);
 }
 
 TEST(Temporary, typeNames) {

@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 
@@ -138,22 +137,16 @@ TEST(PlatformPath, MakesPathsAbsolute) {
   EXPECT_EQ(realPath("../link/.", &absolute), 0);
   EXPECT_EQ(absolute, here);
   EXPECT_EQ(errorKind(realPath("missing", &absolute)), ErrorKind::notFound);
-  EXPECT_EQ(setWorkingDirectory(cwd.c_str()), 0);
-}
 
-TEST(PlatformPath, FollowsALongWorkingDirectory) {
-  std::string cwd, deep;
-  ASSERT_EQ(workingDirectory(&cwd), 0);
-  const qvTest::Directory directory;
-  ASSERT_EQ(setWorkingDirectory(directory.path().c_str()), 0);
+  std::string deep = here;
   const std::string name(200, 'd');
   for (int level = 0; level < 6; ++level) {
     ASSERT_EQ(makeDirectory(name.c_str()), 0);
     ASSERT_EQ(setWorkingDirectory(name.c_str()), 0);
+    deep += "/" + name;
   }
-  EXPECT_EQ(workingDirectory(&deep), 0);
-  EXPECT_GT(deep.size(), 1200u);
-  EXPECT_EQ(deep.substr(deep.size() - 201), "/" + name);
+  EXPECT_EQ(workingDirectory(&absolute), 0);
+  EXPECT_EQ(absolute, deep);
   EXPECT_EQ(setWorkingDirectory(cwd.c_str()), 0);
 }
 
@@ -161,8 +154,7 @@ TEST(PlatformPath, KnowsItsDirectories) {
   std::string path;
   EXPECT_EQ(executablePath(&path), 0);
   EXPECT_TRUE(std::filesystem::exists(path));
-  const char* const kept = std::getenv("TMPDIR");
-  const std::string old = kept ? kept : "";
+  qvTest::TemporaryPlace place("");
   const struct {
     int line;
     const char *set, *result;
@@ -171,10 +163,9 @@ TEST(PlatformPath, KnowsItsDirectories) {
               {__LINE__, "", "/tmp"},
               {__LINE__, "///", "/"}};
   for (const auto& row : rows) {
-    ::setenv("TMPDIR", row.set, 1);
+    place.set(row.set);
     EXPECT_EQ(temporaryDirectory(), row.result) << "line " << row.line;
   }
-  kept ? ::setenv("TMPDIR", old.c_str(), 1) : ::unsetenv("TMPDIR");
 }
 
 TEST(PlatformError, NamesWhatHappens) {
