@@ -18,12 +18,16 @@ struct Word {
   std::uint32_t lane[lanes];
 };
 
+/// One step of a quarter round, in all lanes.
+inline void step(Word& sum, const Word& term, Word& mixed, int shift) noexcept {
+  Word added, turned;
+  for (int i = 0; i < lanes; ++i) added.lane[i] = sum.lane[i] + term.lane[i];
+  for (int i = 0; i < lanes; ++i) turned.lane[i] = std::rotl(mixed.lane[i] ^ added.lane[i], shift);
+  sum = added;
+  mixed = turned;
+}
+
 inline void quarterRound(Word& a, Word& b, Word& c, Word& d) noexcept {
-  const auto step = [](Word& sum, const Word& term, Word& mixed, int shift) {
-    for (int i = 0; i < lanes; ++i) sum.lane[i] += term.lane[i];
-    for (int i = 0; i < lanes; ++i) mixed.lane[i] ^= sum.lane[i];
-    for (int i = 0; i < lanes; ++i) mixed.lane[i] = std::rotl(mixed.lane[i], shift);
-  };
   step(a, b, d, 16);
   step(c, d, b, 12);
   step(a, b, d, 8);
