@@ -6,9 +6,6 @@
 
 namespace {
 
-/// The slot of the table of 69001 where a key starts.
-std::uint32_t firstSlot(std::uint32_t key) { return (key >> 16) << 8 ^ (key & 0xFFFF); }
-
 /// The number that turns a product with `factor` back, modulo 2^32. Each step doubles the bits that are
 /// right.
 constexpr std::uint32_t inverseOf(std::uint32_t factor) {
@@ -27,18 +24,13 @@ void ioLzwTable::clear() noexcept {
   std::fill_n(fastSlots_.get(), fastSize, 0);
 }
 
-void ioLzwTable::insert(std::uint32_t key, std::uint32_t code) {
-  const bool losesKeyZero = key == 0 && slotZeroTaken_;
-  if (!slow_ && (losesKeyZero || fastSlots_[place_] != 0)) {
+/// Enters a key that goes into the table of 69001, or that sends all others there.
+void ioLzwTable::insertSlow(std::uint32_t key, std::uint32_t code) {
+  if (!slow_) {
     turnSlow();
     (void)findSlow(key);
   }
-  if (slow_) {
-    slowSlots_[place_] = static_cast<SlowSlot>(key) << 16 | code;
-    return;
-  }
-  fastSlots_[place_] = code << 16 | fastSlot_;
-  if (key != 0 && firstSlot(key) == 0) slotZeroTaken_ = true;
+  slowSlots_[place_] = static_cast<SlowSlot>(key) << 16 | code;
 }
 
 std::uint32_t ioLzwTable::findSlow(std::uint32_t key) noexcept {
@@ -74,5 +66,5 @@ void ioLzwTable::turnSlow() {
   slowSlots_.reset(new SlowSlot[slowSize]);
   std::fill_n(slowSlots_.get(), slowSize, vacant);
   for (std::uint32_t code = ioLzwFirstFreeCode; code < ioLzwCodeLimit && keys[code] <= keyMask; ++code)
-    if (!findSlow(keys[code])) insert(keys[code], code);
+    if (!findSlow(keys[code])) insertSlow(keys[code], code);
 }

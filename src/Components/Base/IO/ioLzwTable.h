@@ -41,6 +41,10 @@ private:
   static constexpr std::uint32_t farthest = 511;
   static constexpr std::uint32_t keyMask = 0xFFFFFF;
 
+  /// Where a key starts in the table of 69001.
+  [[nodiscard]] static std::uint32_t firstSlot(std::uint32_t key) noexcept {
+    return key >> 16 << 8 ^ (key & 0xFFFF);
+  }
   /// A key as another number of 24 bits, whose upper 17 bits are the place in the fast table. Keys are turned
   /// back by `unhashed`.
   [[nodiscard]] static std::uint32_t hashed(std::uint32_t key) noexcept {
@@ -50,6 +54,7 @@ private:
 
   [[nodiscard]] std::uint32_t findFast(std::uint32_t key) noexcept;
   [[nodiscard]] std::uint32_t findSlow(std::uint32_t key) noexcept;
+  void insertSlow(std::uint32_t key, std::uint32_t code);
   void turnSlow();
 
   bool slow_ = false;
@@ -74,4 +79,11 @@ inline std::uint32_t ioLzwTable::findFast(std::uint32_t key) noexcept {
   place_ = place;
   fastSlot_ = wanted;
   return 0;
+}
+
+inline void ioLzwTable::insert(std::uint32_t key, std::uint32_t code) {
+  const bool losesKeyZero = key == 0 && slotZeroTaken_;
+  if (slow_ || losesKeyZero || fastSlots_[place_] != 0) return insertSlow(key, code);
+  fastSlots_[place_] = code << 16 | fastSlot_;
+  slotZeroTaken_ |= key != 0 && firstSlot(key) == 0;
 }

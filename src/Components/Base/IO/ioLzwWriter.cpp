@@ -1,6 +1,7 @@
 #include "Base/IO/ioLzwWriter.h"
 
 #include "Base/IO/ioBuffer.h"
+#include "Base/IO/ioBytes.h"
 
 void ioLzwWriter::start(ioBuffer& target, unsigned char first) {
   target.writeBytes(ioLzwMagic, sizeof ioLzwMagic);
@@ -65,14 +66,16 @@ inline void ioLzwWriter::emitCode(ioBuffer& target, int code) {
 
 /// Packs the pending codes over the start of the last group, whose other bytes stay.
 void ioLzwWriter::packCodes() noexcept {
-  unsigned char* byte = codeGroup_;
-  std::uint64_t bits = 0;
-  int held = 0;
-  for (int i = 0; i < pendingCodes_; ++i) {
-    bits |= static_cast<std::uint64_t>(codes_[i]) << held;
-    for (held += codeBits_; held >= 8; held -= 8, bits >>= 8) *byte++ = static_cast<unsigned char>(bits);
+  std::uint64_t words[2] = {};
+  for (int i = 0, bit = 0; i < pendingCodes_; ++i, bit += codeBits_) {
+    const std::uint64_t code = codes_[i];
+    words[bit / 64] |= code << bit % 64;
+    if (bit < 64 && bit + codeBits_ > 64) words[1] = code >> (64 - bit);
   }
-  if (held > 0) *byte = static_cast<unsigned char>(bits);
+  unsigned char packed[ioLzwGroupSize];
+  ioStoreLittle64(packed, words[0]);
+  ioStoreLittle64(packed + 8, words[1]);
+  std::memcpy(codeGroup_, packed, static_cast<std::size_t>((pendingCodes_ * codeBits_ + 7) / 8));
 }
 
 void ioLzwWriter::writeGroup(ioBuffer& target) {
