@@ -121,18 +121,4 @@ TEST(ioBufferChecksum, TakesNoFalseSizeForGranted) {
   }
 }
 
-TEST(ioChecksum, FoldsLikeASumOfWords) {
-  qvTest::Random random(5);
-  for (int n = 0; n < 300; ++n) {
-    const std::string data =
-        n % 2 ? mixed(random, random.below(500), 256) : std::string(random.below(200000), '\xFF');
-    std::uint32_t sum = 0;
-    (void)block(data, sum, true);
-    ioChecksum checksum;
-    checksum.add(data.data(), data.size());
-    EXPECT_TRUE(checksum.matches(static_cast<std::uint16_t>(sum)));
-    EXPECT_TRUE(checksum.sum() == sum || !ioHeader::systemIsLittleEndian());
-  }
-}
-
 } // namespace
