@@ -83,7 +83,7 @@ int getMultiByteStringSize(qv::WChar* destination, const char* source, unsigned 
   const std::size_t room = destination ? count : kLongest;
   std::size_t made = 0;
   const char* const end = source + std::char_traits<char>::length(source);
-  for (const char* p = source; p != end;) {
+  for (const char* p = source; p != end && made < room;) {
     const LocaleDecoder::Character c = decoder.next(p, static_cast<std::size_t>(end - p));
     if (c.numMade == 0) return -1;
     if (made + static_cast<std::size_t>(c.numMade) > room) break;

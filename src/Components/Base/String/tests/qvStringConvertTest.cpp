@@ -1,0 +1,229 @@
+#include "Base/String/qvStringConvert.h"
+
+#include "Base/String/qvStringCharacter.h"
+#include "Base/String/qvStringInt64.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <clocale>
+#include <cstdint>
+#include <cwctype>
+#include <string>
+
+using namespace qvString;
+
+namespace {
+
+using Wide = std::basic_string<qv::WChar>;
+
+constexpr unsigned int kTerminated = 0xFFFFFFFF;
+
+class Convert : public testing::Test {
+protected:
+  void SetUp() override { ASSERT_TRUE(std::setlocale(LC_CTYPE, "C.UTF-8")); }
+  void TearDown() override { std::setlocale(LC_CTYPE, "C"); }
+};
+
+/// The result of a converter, with `ok`, and with '#' for what it did not write.
+template <class C>
+struct Made {
+  unsigned int count;
+  bool ok;
+  std::basic_string<C> text;
+  bool operator==(const Made&) const = default;
+};
+
+template <class C, class Convert>
+Made<C> make(unsigned int room, Convert convert) {
+  Made<C> made{0, false, std::basic_string<C>(8, static_cast<C>('#'))};
+  made.count = convert(made.text.data(), room, &made.ok);
+  EXPECT_TRUE(made.count == 0 || made.count == convert(nullptr, 0, nullptr)) << "another size was told";
+  while (!made.text.empty() && made.text.back() == static_cast<C>('#')) made.text.pop_back();
+  return made;
+}
+
+Made<qv::WChar> fromLocale(const char* source, unsigned int count, unsigned int room) {
+  return make<qv::WChar>(
+      room, [&](qv::WChar* to, unsigned int n, bool* ok) { return MBStoWCS(source, count, to, n, ok); });
+}
+
+Made<char> toLocale(const qv::WChar* source, unsigned int count, unsigned int room) {
+  return make<char>(room,
+                    [&](char* to, unsigned int n, bool* ok) { return WCStoMBS(source, count, to, n, ok); });
+}
+
+Made<qv::WChar> fromUtf8(const char* source, unsigned int count, unsigned int room, bool skip = false) {
+  return make<qv::WChar>(room, [&](qv::WChar* to, unsigned int n, bool* ok) {
+    return UTF8toWCS(source, count, to, n, skip, ok);
+  });
+}
+
+Made<char> toUtf8(const qv::WChar* source, unsigned int count, unsigned int room) {
+  return make<char>(room,
+                    [&](char* to, unsigned int n, bool* ok) { return WCStoUTF8(source, count, to, n, ok); });
+}
+
+TEST_F(Convert, LocaleToWide) {
+  using M = Made<qv::WChar>;
+  const Wide nul(1, 0);
+  EXPECT_EQ(fromLocale("aé", kTerminated, 8), (M{2, true, QV_W("aé") + nul}));
+  EXPECT_EQ(fromLocale("a😀", 5, 4), (M{3, true, QV_W("a\U0001F600") + nul}));
+  EXPECT_EQ(fromLocale("abc", 2, 8), (M{0, true, {}})); // longer than the count: refused, not cut
+  EXPECT_EQ(fromLocale("abc", 3, 3), (M{0, true, {}})); // no room for the terminator
+  EXPECT_EQ(fromLocale("abc", 9, 4), (M{3, true, QV_W("abc") + nul}));
+  EXPECT_EQ(fromLocale("", 0, 8), (M{0, true, nul}));
+  EXPECT_EQ(fromLocale(nullptr, 3, 8), (M{0, true, {}}));
+  // Each byte that is no character gives one question mark, also those of a character cut short.
+  EXPECT_EQ(fromLocale("a\xFFz\xE2\x82", kTerminated, 8), (M{5, false, QV_W("a?z??") + nul}));
+  EXPECT_EQ(fromLocale("a\xFFz", kTerminated, 3), (M{0, false, {}}));
+  EXPECT_EQ(MBStoWCS("a\xFFz", kTerminated, nullptr, 0), 3u);
+  std::setlocale(LC_CTYPE, "C");
+  EXPECT_EQ(fromLocale("aé", kTerminated, 8), (M{3, false, QV_W("a??") + nul}));
+  const char unterminated[] = {'a', 'b', 'c', 'd'};
+  EXPECT_EQ(fromLocale(unterminated, 3, 8), (M{0, true, {}}));
+}
+
+TEST_F(Convert, WideToLocale) {
+  using M = Made<char>;
+  const std::string nul(1, '\0');
+  EXPECT_EQ(toLocale(QV_W("aé"), kTerminated, 4), (M{3, true, "aé" + nul}));
+  EXPECT_EQ(toLocale(QV_W("\U0001F600"), 2, 8), (M{4, true, "😀" + nul}));
+  EXPECT_EQ(toLocale(QV_W("abc"), 2, 8), (M{0, true, ""}));
+  EXPECT_EQ(toLocale(QV_W("aé"), 2, 3), (M{0, true, ""}));
+  EXPECT_EQ(toLocale(nullptr, 2, 8), (M{0, true, ""}));
+  // One bad character, and each unit gives one byte: those of several bytes a question mark as well.
+  EXPECT_EQ(toLocale(QV_W("aé\xD800z"), kTerminated, 8), (M{4, false, "a??z" + nul}));
+  EXPECT_EQ(toLocale(QV_W("aé\xD800z"), kTerminated, 4), (M{0, false, ""}));
+  std::setlocale(LC_CTYPE, "C");
+  EXPECT_EQ(toLocale(QV_W("a\U0001F600é"), kTerminated, 8), (M{4, false, "a???" + nul}));
+}
+
+TEST_F(Convert, PlainLocaleSize) {
+  qv::WChar units[4] = {'#', '#', '#', '#'};
+  EXPECT_EQ(getMultiByteStringSize(nullptr, "aé😀", 0), 4);
+  EXPECT_EQ(getMultiByteStringSize(units, "a😀", 2),
+            1); // no pair is cut, and there is room for the terminator
+  EXPECT_TRUE(Wide(units, 3) == Wide({'a', 0, '#'}));
+  EXPECT_EQ(getMultiByteStringSize(units, "abc\xFF", 3), 3);
+  EXPECT_EQ(units[3], '#');
+  EXPECT_EQ(getMultiByteStringSize(units, "ab\xFF", 3), -1);
+}
+
+TEST_F(Convert, Utf8ToWide) {
+  using M = Made<qv::WChar>;
+  EXPECT_EQ(fromUtf8("aé", kTerminated, 2), (M{2, true, QV_W("aé")})); // exactly the size, and no terminator
+  EXPECT_EQ(fromUtf8("aé", 3, 1), (M{0, true, {}}));
+  EXPECT_EQ(fromUtf8("aéz", 3, 8), (M{2, true, QV_W("aé")})); // the count cuts
+  EXPECT_EQ(fromUtf8("a\xC3z", kTerminated, 8), (M{3, false, QV_W("a\xFFFDz")}));
+  EXPECT_EQ(fromUtf8("aé", 2, 8), (M{2, false, QV_W("a\xFFFD")}));
+  EXPECT_EQ(fromUtf8("\xEF\xBB\xBF"
+                     "a",
+                     kTerminated, 8),
+            (M{1, true, QV_W("a")}));
+  EXPECT_EQ(fromUtf8("\xEF\xBB\xBF"
+                     "a",
+                     4, 8, true),
+            (M{2, true,
+               QV_W("\xFEFF"
+                    "a")}));
+  EXPECT_EQ(fromUtf8("\xEF\xBB\xBF", 3, 8), (M{0, false, {}}));
+  EXPECT_EQ(fromUtf8("\xEF\xBB\xBF", kTerminated, 8), (M{0, false, {}}));
+  EXPECT_EQ(fromUtf8("\xEF\xBB\xBF", 2, 8), (M{1, false, QV_W("\xFFFD")}));
+  EXPECT_EQ(fromUtf8("", kTerminated, 8), (M{0, true, {}}));
+  EXPECT_EQ(fromUtf8("x", 0, 8), (M{0, true, {}}));
+  EXPECT_EQ(fromUtf8(nullptr, 5, 8), (M{0, false, {}}));
+  const std::string nul("a\0b", 3);
+  EXPECT_EQ(fromUtf8(nul.data(), 3, 8), (M{3, true, Wide({'a', 0, 'b'})}));
+}
+
+TEST_F(Convert, WideToUtf8) {
+  using M = Made<char>;
+  EXPECT_EQ(toUtf8(QV_W("aé"), kTerminated, 3), (M{3, true, "aé"}));
+  EXPECT_EQ(toUtf8(QV_W("aé"), kTerminated, 2), (M{0, true, ""}));
+  EXPECT_EQ(toUtf8(QV_W("aéz"), 2, 8), (M{3, true, "aé"}));
+  EXPECT_EQ(toUtf8(QV_W("\xD800"), 1, 8), (M{3, true, "\xEF\xBF\xBD"})); // deliberately counts as converted
+  EXPECT_EQ(toUtf8(QV_W(""), kTerminated, 8), (M{0, true, ""}));
+  EXPECT_EQ(toUtf8(QV_W("x"), 0, 8), (M{0, true, ""}));
+  EXPECT_EQ(toUtf8(nullptr, 5, 8), (M{0, false, ""}));
+}
+
+TEST_F(Convert, ByteOrderMark) {
+  EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBFx", 4), 3);
+  EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBF", -1), 3);
+  for (const int count : {2, 0, -2, INT_MIN}) EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBF", count), 0);
+  for (const char* text : {"", "\xEF", "\xEF\xBB", "\xEF\xBBx"}) EXPECT_EQ(detectUTF8BOM(text, -1), 0);
+  EXPECT_EQ(detectUTF8BOM(nullptr, 3), 0);
+}
+
+/// Every wide character follows the runtime, but for the letter modifiers and the tab.
+TEST_F(Convert, WideClasses) {
+  int modifiers = 0;
+  for (unsigned int code = 0; code <= 0xFFFF; ++code) {
+    const auto c = static_cast<qv::WChar>(code);
+    const auto w = static_cast<std::wint_t>(code);
+    const bool modifier = isLetterModifier(c);
+    modifiers += modifier;
+    EXPECT_EQ(isAlnum(c), std::iswalnum(w) || modifier) << code;
+    EXPECT_EQ(isAlpha(c), (std::iswalnum(w) || modifier) && !std::iswdigit(w)) << code;
+    EXPECT_EQ(isPunct(c), std::iswpunct(w) && !modifier) << code;
+    EXPECT_EQ(isGraph(c), std::iswgraph(w) || modifier) << code;
+    EXPECT_EQ(isPrint(c), code != 9 && (std::iswprint(w) || modifier)) << code;
+    EXPECT_EQ(isSpace(c), std::iswspace(w) != 0) << code;
+    EXPECT_EQ(isNewLine(c), code == 10 || code == 13);
+    EXPECT_EQ(isTab(c), code == 9);
+    EXPECT_EQ(isAscii(c), code < 128);
+  }
+  EXPECT_EQ(modifiers, 178);
+  for (const qv::WChar c : {0x2103, 0x2190, 0x2460, 0x2473, 0x254B, 0x3013, 0x33CD, 0xFF1D, 0xFFE5})
+    EXPECT_TRUE(isLetterModifier(c)) << +c;
+  for (const qv::WChar c : {0x2102, 0x2104, 0x245F, 0x2474, 0x30FF, 0xFFE6})
+    EXPECT_FALSE(isLetterModifier(c)) << +c;
+  EXPECT_EQ(toUpper(QV_W('é')), QV_W('É'));
+  EXPECT_EQ(toLower(QV_W('Я')), QV_W('я'));
+}
+
+TEST_F(Convert, NarrowClasses) {
+  std::setlocale(LC_CTYPE, "C");
+  for (int code = -128; code < 128; ++code) {
+    const char c = static_cast<char>(code);
+    EXPECT_EQ(isAscii(c), code >= 0);
+    EXPECT_FALSE(isLetterModifier(c));
+    EXPECT_EQ(isAlpha(c), isUpper(c) || isLower(c)) << code;
+    EXPECT_EQ(isAlnum(c), isAlpha(c) || isDigit(c)) << code;
+    EXPECT_EQ(isGraph(c), isAlnum(c) || isPunct(c)) << code;
+    EXPECT_EQ(isPrint(c), isGraph(c) || c == ' ') << code;
+    EXPECT_EQ(toLower(toUpper(c)), isUpper(c) ? toLower(c) : c) << code;
+    EXPECT_EQ(isNewLine(c) || isTab(c), code == 9 || code == 10 || code == 13);
+  }
+  EXPECT_TRUE(isXDigit('f') && isXDigit(QV_W('F')) && isCntrl('\x1F') && !isXDigit('g'));
+  EXPECT_TRUE(isAscii("") && isAscii(static_cast<const char*>(nullptr)) && isAscii("abc") &&
+              !isAscii("ab\x80"));
+}
+
+TEST(Int64, TextAndBack) {
+  const char* const first = int64ToAscii(INT64_MIN, 0);
+  const char* const second = int64ToAscii(7, 1);
+  const char* const unsignedFirst = uint64ToAscii(UINT64_MAX, 0);
+  EXPECT_STREQ(first, "-9223372036854775808");
+  EXPECT_STREQ(second, "7");
+  EXPECT_STREQ(unsignedFirst, "18446744073709551615");
+  EXPECT_EQ(int64ToAscii(0, 0), first);
+  EXPECT_STREQ(first, "0");
+  for (const int slot : {-1, 3, INT_MAX}) EXPECT_EQ(int64ToAscii(5, slot), first);
+  const struct {
+    int line;
+    const char* text;
+    std::int64_t value;
+  } rows[] = {
+      {__LINE__, " \t-12x", -12}, {__LINE__, "+9223372036854775807", INT64_MAX},
+      {__LINE__, "x", 0},         {__LINE__, "", 0},
+      {__LINE__, nullptr, 0},     {__LINE__, "0x10", 0},
+      {__LINE__, "010", 10},
+  };
+  for (const auto& row : rows) EXPECT_EQ(asciiToInt64(row.text), row.value) << "line " << row.line;
+  EXPECT_EQ(asciiToUInt64("18446744073709551615"), UINT64_MAX);
+  EXPECT_EQ(asciiToUInt64(nullptr), 0u);
+}
+
+} // namespace
