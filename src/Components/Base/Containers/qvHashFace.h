@@ -242,7 +242,14 @@ private:
     return &hashRecord<Key, Mapped, Equal>;
   }
 
-  const HashNodeImpl* findKey(const Key& key) const { return findNode(Hash()(key), std::addressof(key)); }
+  /// As `findNode` of the core, with the comparison inline.
+  const HashNodeImpl* findKey(const Key& key) const {
+    const std::uint64_t hash = Hash()(key);
+    const HashNodeImpl* node = chainOf(hash);
+    while (node && !(node->hash == hash && Equal()(Keyed::key(HashNode<Element>::element(node)), key)))
+      node = node->next;
+    return node;
+  }
   pair<iterator, bool> insertCopy(const Key& key, const void* value) {
     static_assert(isCopyable<Mapped>);
     const int before = size();

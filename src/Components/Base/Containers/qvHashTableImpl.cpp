@@ -24,55 +24,32 @@ namespace {
 
 using Node = HashTableImpl::HashNodeImpl;
 
-/// A number of buckets and floor(2^64 / prime), by which a division becomes a multiplication.
-struct Prime {
-  std::uint32_t prime;
-  std::uint64_t reciprocal;
-  constexpr Prime(std::uint32_t value) : prime(value), reciprocal(UINT64_MAX / value) {}
-};
+constexpr int numPrimes = 29;
 
 /// Each about twice the one before, and one for each bit length from 3 to 31: the bit length finds the entry.
-constexpr std::array<Prime, 29> primes = {
-    {7,       13,       29,       53,       97,        193,       389,       769,       1543,      3079,
-     6151,    12289,    24593,    49157,    98317,     196613,    393241,    786433,    1572869,   3145739,
-     6291469, 12582917, 25165843, 50331653, 100663319, 201326611, 402653189, 805306457, 1610612741}};
-
-constexpr const Prime& primeOfLength(std::uint32_t buckets) noexcept {
-  return primes[static_cast<std::size_t>(std::bit_width(buckets) - 3)];
-}
+constexpr std::uint32_t primes[numPrimes] = {
+    7,       13,       29,       53,       97,        193,       389,       769,       1543,      3079,
+    6151,    12289,    24593,    49157,    98317,     196613,    393241,    786433,    1572869,   3145739,
+    6291469, 12582917, 25165843, 50331653, 100663319, 201326611, 402653189, 805306457, 1610612741};
 
 constexpr bool lengthFindsEntry() {
-  return std::all_of(primes.begin(), primes.end(),
-                     [](const Prime& prime) { return &primeOfLength(prime.prime) == &prime; });
+  for (int i = 0; i < numPrimes; ++i)
+    if (primes[i] >> (i + 2) != 1) return false;
+  return true;
 }
 static_assert(lengthFindsEntry());
+
+constexpr std::array<std::uint64_t, 32> reciprocalsOfPrimes() {
+  std::array<std::uint64_t, 32> reciprocals{};
+  for (const std::uint32_t prime : primes)
+    reciprocals[static_cast<std::size_t>(std::bit_width(prime))] = UINT64_MAX / prime;
+  return reciprocals;
+}
 
 /// A bucket vector has at most 4 GiB - 1 bytes. A table that is due for more stays at the last prime that
 /// fits, with longer chains.
 constexpr std::uint32_t mostBuckets = 402653189;
 static_assert(sizeof(void*) > 8 || mostBuckets * std::uint64_t{sizeof(void*)} <= UINT32_MAX);
-
-/// The upper half of a product of 128 bits.
-inline std::uint64_t highProduct(std::uint64_t a, std::uint64_t b) noexcept {
-#if defined(__SIZEOF_INT128__)
-  return static_cast<std::uint64_t>((static_cast<unsigned __int128>(a) * b) >> 64);
-#else
-  const std::uint64_t low = (a & UINT32_MAX) * (b & UINT32_MAX);
-  const std::uint64_t middle = (a >> 32) * (b & UINT32_MAX) + (low >> 32);
-  const std::uint64_t other = (a & UINT32_MAX) * (b >> 32) + (middle & UINT32_MAX);
-  return (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32);
-#endif
-}
-
-/// `hash % prime`. The quotient by the truncated reciprocal is exact or 1 too small.
-inline std::uint32_t remainder(std::uint64_t hash, const Prime& prime) noexcept {
-  const std::uint64_t rest = hash - highProduct(hash, prime.reciprocal) * prime.prime;
-  return static_cast<std::uint32_t>(rest >= prime.prime ? rest - prime.prime : rest);
-}
-
-inline std::uint32_t bucketOf(std::uint64_t hash, int buckets) noexcept {
-  return remainder(hash, primeOfLength(static_cast<std::uint32_t>(buckets)));
-}
 
 /// Starts to load what will be read soon.
 inline void prefetch([[maybe_unused]] const void* address) noexcept {
@@ -83,9 +60,11 @@ inline void prefetch([[maybe_unused]] const void* address) noexcept {
 
 } // namespace
 
+constinit const std::array<std::uint64_t, 32> HashTableImpl::sReciprocals = reciprocalsOfPrimes();
+
 Node* HashTableImpl::HashNodeImpl::nextItem(HashTableImpl* table) noexcept {
   if (next) return next;
-  return table->firstNodeFrom(static_cast<int>(bucketOf(hash, table->buckets_.size())) + 1);
+  return table->firstNodeFrom(table->bucketOf(hash) + 1);
 }
 
 const Node* HashTableImpl::HashNodeImpl::nextItem(const HashTableImpl* table) const noexcept {
@@ -115,7 +94,7 @@ const Node* HashTableImpl::firstNode() const noexcept { return firstNodeFrom(0);
 
 const Node* HashTableImpl::findNode(std::uint64_t hash, const void* key) const {
   if (count_ == 0) return nullptr;
-  const HashNodeImpl* node = buckets_[bucketOf(hash, buckets_.size())];
+  const HashNodeImpl* node = buckets_[bucketOf(hash)];
   while (node && !(node->hash == hash && typeUtil_->equal(keyPtrOfNode(node), key))) node = node->next;
   return node;
 }
@@ -127,7 +106,7 @@ Node* HashTableImpl::findNode(std::uint64_t hash, const void* key) {
 int HashTableImpl::count(std::uint64_t hash, const void* key) const {
   if (count_ == 0) return 0;
   int matches = 0;
-  for (const HashNodeImpl* node = buckets_[bucketOf(hash, buckets_.size())]; node; node = node->next)
+  for (const HashNodeImpl* node = buckets_[bucketOf(hash)]; node; node = node->next)
     if (node->hash == hash && typeUtil_->equal(keyPtrOfNode(node), key)) ++matches;
   return matches;
 }
@@ -157,19 +136,18 @@ Node* HashTableImpl::linkNewNode(HashNodeImpl** link, std::uint64_t hash, const 
 Node* HashTableImpl::get(std::uint64_t hash, const void* key) {
   if (HashNodeImpl* const found = findNode(hash, key)) return found;
   rehash(detail::countSum(count_, 1));
-  return linkNewNode(&buckets_[bucketOf(hash, buckets_.size())], hash, key, nullptr,
-                     typeUtil_->constructValue);
+  return linkNewNode(&buckets_[bucketOf(hash)], hash, key, nullptr, typeUtil_->constructValue);
 }
 
 Node* HashTableImpl::insert_unique_noresize(std::uint64_t hash, const void* key, const void* value) {
-  HashNodeImpl** const head = &buckets_[bucketOf(hash, buckets_.size())];
+  HashNodeImpl** const head = &buckets_[bucketOf(hash)];
   for (HashNodeImpl* node = *head; node; node = node->next)
     if (typeUtil_->equal(keyPtrOfNode(node), key)) return node;
   return linkNewNode(head, hash, key, value, nullptr);
 }
 
 Node* HashTableImpl::insert_non_unique_noresize(std::uint64_t hash, const void* key, const void* value) {
-  HashNodeImpl** const head = &buckets_[bucketOf(hash, buckets_.size())];
+  HashNodeImpl** const head = &buckets_[bucketOf(hash)];
   HashNodeImpl* equal = *head;
   while (equal && !typeUtil_->equal(keyPtrOfNode(equal), key)) equal = equal->next;
   return linkNewNode(equal ? &equal->next : head, hash, key, value, nullptr);
@@ -184,34 +162,42 @@ void HashTableImpl::rehash(int wanted) {
       needed < static_cast<float>(mostBuckets) ? static_cast<std::uint32_t>(needed) : mostBuckets;
   const std::uint32_t current = static_cast<std::uint32_t>(buckets_.size());
   if (least <= current) return;
-  const Prime& prime =
-      *std::lower_bound(primes.begin(), primes.end(), least,
-                        [](const Prime& entry, std::uint32_t count) { return entry.prime < count; });
-  if (prime.prime <= current) return;
-  moveNodes(static_cast<int>(prime.prime));
+  const std::uint32_t prime = *std::lower_bound(std::begin(primes), std::end(primes), least);
+  if (prime > current) moveNodes(static_cast<int>(prime));
 }
 
-/// Moves all nodes to a new bucket vector, each to the front of its chain.
+/// Moves all nodes to a new bucket vector, each to the front of its chain. Both the nodes and the new heads
+/// lie anywhere in memory, so they are asked for well before they are needed.
 void HashTableImpl::moveNodes(int buckets) {
-  constexpr int ahead = 16;
+  constexpr int bucketsAhead = 16;
+  constexpr int nodesAhead = 64;
+  struct Move {
+    HashNodeImpl* node;
+    HashNodeImpl** head;
+  };
+  Move moves[nodesAhead];
+  int waiting = 0;
   vector<HashNodeImpl*> fresh(buckets);
-  const Prime& prime = primeOfLength(static_cast<std::uint32_t>(buckets));
+  const auto link = [&moves, &waiting] {
+    for (int i = 0; i < waiting; ++i) moves[i].node->next = std::exchange(*moves[i].head, moves[i].node);
+    waiting = 0;
+  };
   for (int bucket = 0; bucket < buckets_.size(); ++bucket) {
-    if (bucket + ahead < buckets_.size()) prefetch(buckets_[bucket + ahead]);
+    if (bucket + bucketsAhead < buckets_.size()) prefetch(buckets_[bucket + bucketsAhead]);
     for (HashNodeImpl* node = buckets_[bucket]; node;) {
-      HashNodeImpl** const head = &fresh[remainder(node->hash, prime)];
-      HashNodeImpl* const rest = node->next;
-      node->next = *head;
-      *head = node;
-      node = rest;
+      moves[waiting] = {node, &fresh[sRemainder(node->hash, buckets)]};
+      prefetch(moves[waiting].head);
+      node = node->next; // before the node gets its new link
+      if (++waiting == nodesAhead) link();
     }
   }
+  link();
   buckets_.swap(fresh);
 }
 
 void HashTableImpl::eraseNode(HashNodeImpl* node) {
   if (!node || count_ == 0) return;
-  HashNodeImpl** link = &buckets_[bucketOf(node->hash, buckets_.size())];
+  HashNodeImpl** link = &buckets_[bucketOf(node->hash)];
   while (*link && *link != node) link = &(*link)->next;
   if (!*link) return;
   *link = node->next;
@@ -223,7 +209,7 @@ void HashTableImpl::eraseNode(HashNodeImpl* node) {
 int HashTableImpl::eraseKey(std::uint64_t hash, const void* key) {
   if (count_ == 0) return 0;
   HashNodeImpl* matches = nullptr;
-  HashNodeImpl** link = &buckets_[bucketOf(hash, buckets_.size())];
+  HashNodeImpl** link = &buckets_[bucketOf(hash)];
   while (HashNodeImpl* const node = *link) {
     if (node->hash == hash && typeUtil_->equal(keyPtrOfNode(node), key)) {
       *link = node->next;
@@ -286,6 +272,6 @@ void HashTableImpl::max_load_factor(float factor) {
   rehash(count_);
 }
 
-int HashTableImpl::max_bucket_count() const noexcept { return static_cast<int>(primes.back().prime); }
+int HashTableImpl::max_bucket_count() const noexcept { return static_cast<int>(primes[numPrimes - 1]); }
 
 } // namespace qv

@@ -6,6 +6,9 @@
 #include "Base/Containers/qvVector.h"
 #include "Base/qvBase.h"
 
+#include <array>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 namespace qv {
@@ -126,6 +129,13 @@ public:
   /// The last prime of the series, 1610612741.
   [[nodiscard]] QV_BASE_API int max_bucket_count() const noexcept;
 
+protected:
+  /// The first node of the chain in which a key with that hash stands, if it is there, for a walk that
+  /// compares inline; null if there is none.
+  [[nodiscard]] const HashNodeImpl* chainOf(std::uint64_t hash) const noexcept {
+    return count_ == 0 ? nullptr : buckets_[bucketOf(hash)];
+  }
+
 private:
   friend struct detail::ContainerCheck;
   struct Layout;
@@ -139,6 +149,30 @@ private:
   [[nodiscard]] void* valuePtrOfNode(const HashNodeImpl* node) const noexcept {
     return const_cast<char*>(reinterpret_cast<const char*>(node)) + typeUtil_->valueOffset;
   }
+  /// floor(2^64 / prime) for the prime of each bit length.
+  QV_BASE_API static const std::array<std::uint64_t, 32> sReciprocals;
+
+  /// The upper half of a product of 128 bits.
+  [[nodiscard]] static std::uint64_t sHighProduct(std::uint64_t a, std::uint64_t b) noexcept {
+#if defined(__SIZEOF_INT128__)
+    return static_cast<std::uint64_t>((static_cast<unsigned __int128>(a) * b) >> 64);
+#else
+    const std::uint64_t low = (a & UINT32_MAX) * (b & UINT32_MAX);
+    const std::uint64_t middle = (a >> 32) * (b & UINT32_MAX) + (low >> 32);
+    const std::uint64_t other = (a & UINT32_MAX) * (b >> 32) + (middle & UINT32_MAX);
+    return (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32);
+#endif
+  }
+  /// `hash % prime` for a prime of the series, without a division: the quotient by the truncated reciprocal
+  /// is exact or 1 too small.
+  [[nodiscard]] static int sRemainder(std::uint64_t hash, int prime) noexcept {
+    const std::uint64_t divisor = static_cast<std::uint64_t>(prime);
+    const std::uint64_t reciprocal = sReciprocals[static_cast<std::size_t>(std::bit_width(divisor))];
+    const std::uint64_t rest = hash - sHighProduct(hash, reciprocal) * divisor;
+    return static_cast<int>(rest >= divisor ? rest - divisor : rest);
+  }
+  [[nodiscard]] int bucketOf(std::uint64_t hash) const noexcept { return sRemainder(hash, buckets_.size()); }
+
   using Construct = void (*)(void* dst);
   struct NewNode;
   HashNodeImpl* linkNewNode(HashNodeImpl** link, std::uint64_t hash, const void* key, const void* value,
