@@ -4,12 +4,10 @@
 #include "Base/OS/qvOSFile.h"
 #include "Base/OS/qvOSFileStatus.h"
 #include "Base/OS/qvOSFilename.h"
-#include "Base/OS/qvOSLocalLink.h"
 #include "Base/OS/qvOSNativePath.h"
 #include "Base/OS/qvOSTemporary.h"
 #include "Base/OS/qvOSUniqueFile.h"
 #include "Base/Platform/qvPlatformError.h"
-#include "Base/Platform/qvPlatformPath.h"
 #include "Base/Platform/qvPlatformRandom.h"
 
 #include <algorithm>
@@ -60,19 +58,13 @@ std::string modeOf(int flags) {
   return mode + (flags & FileTransport::openText ? 't' : 'b');
 }
 
-/// The failure of a call that makes a name; no error for 0.
-Error creationError(int failed) {
-  if (!failed) return Error();
-  const bool exists = qvPlatform::errorKind(failed) == ErrorKind::exists;
-  return File::getError(exists ? FileError::exists : FileError::ioProblem);
-}
-
 Error openError(int failed) {
-  return qvPlatform::isNotFound(failed) ? File::getError(FileError::notFound) : creationError(failed);
+  return qvPlatform::isNotFound(failed) ? File::getError(FileError::notFound)
+                                        : LocalFileTransport::creationError(failed);
 }
 
 Error makeDirectoryAt(const IString& path) {
-  return creationError(qvPlatform::makeDirectory(toNativePath(path).asChar()));
+  return LocalFileTransport::creationError(qvPlatform::makeDirectory(toNativePath(path).asChar()));
 }
 
 /// The directory in which temporaries for `path` are made.
@@ -241,7 +233,7 @@ Error LocalFileTransport::moveTo(FileTransport& dest) {
 }
 
 Error LocalFileTransport::deleteSelf() {
-  const CString native = toNativePath(withoutTrailingSeparators(path_));
+  const CString native = nativeName();
   FileInfo info;
   const bool link = !queryLink(&info) && info.kind == FileKind::link;
   if (link || !isDirectory())
@@ -310,67 +302,20 @@ Error LocalFileTransport::queryOwnerGroup(FileStatus& status) {
   return error;
 }
 
+Error LocalFileTransport::creationError(int failed) {
+  if (!failed) return Error();
+  const bool exists = qvPlatform::errorKind(failed) == ErrorKind::exists;
+  return File::getError(exists ? FileError::exists : FileError::ioProblem);
+}
+
+CString LocalFileTransport::nativeName() const { return toNativePath(withoutTrailingSeparators(path_)); }
+
 int LocalFileTransport::queryLink(FileInfo* info) const {
-  return qvPlatform::queryLink(toNativePath(withoutTrailingSeparators(path_)).asChar(), info);
+  return qvPlatform::queryLink(nativeName().asChar(), info);
 }
 
 int LocalFileTransport::queryFile(FileInfo* info) const {
   return qvPlatform::queryFile(toNativePath(path_).asChar(), info);
-}
-
-bool mayDescend(const FileTransport& transport) {
-  const auto* local = dynamic_cast<const LocalFileTransport*>(&transport);
-  FileInfo info;
-  return !local || (!local->queryLink(&info) && info.kind != FileKind::link);
-}
-
-CopyKind copyKind(const FileTransport& transport) {
-  const auto* local = dynamic_cast<const LocalFileTransport*>(&transport);
-  FileInfo info;
-  if (!local || local->queryLink(&info)) return CopyKind::content;
-  if (info.kind == FileKind::other) return CopyKind::nothing;
-  if (info.kind != FileKind::link) return CopyKind::content;
-  return !local->queryFile(&info) && info.kind == FileKind::file ? CopyKind::content : CopyKind::link;
-}
-
-Error copyLink(const FileTransport& source, const FileTransport& dest) {
-  const auto* local = dynamic_cast<const LocalFileTransport*>(&dest);
-  if (!local) return File::getError(FileError::notImplemented);
-  const CString to = toNativePath(withoutTrailingSeparators(dest.getFullName()));
-  FileInfo info;
-  if (!local->queryLink(&info) && info.kind == FileKind::link)
-    static_cast<void>(qvPlatform::deleteFile(to.asChar()));
-  const CString from = toNativePath(withoutTrailingSeparators(source.getFullName()));
-  return creationError(qvPlatform::copyLink(from.asChar(), to.asChar()));
-}
-
-bool isSameFile(const FileTransport& a, const FileTransport& b) {
-  if (a.getFullName() == b.getFullName()) return true;
-  const auto* first = dynamic_cast<const LocalFileTransport*>(&a);
-  const auto* second = dynamic_cast<const LocalFileTransport*>(&b);
-  FileInfo one;
-  FileInfo other;
-  return first && second && !first->queryFile(&one) && !second->queryFile(&other) && one.isSameFile(other);
-}
-
-bool liesInside(const FileTransport& dest, const FileTransport& source) {
-  const auto* outer = dynamic_cast<const LocalFileTransport*>(&source);
-  if (!outer || !dynamic_cast<const LocalFileTransport*>(&dest)) return false;
-  FileInfo directory;
-  std::string name;
-  const IString parent = Filename(withoutTrailingSeparators(dest.getFullName())).dirname();
-  if (outer->queryFile(&directory) ||
-      qvPlatform::realPath(parent.isEmpty() ? "." : toNativePath(parent).asChar(), &name))
-    return false;
-  Filename above(fromNativePath(CString(name.c_str())));
-  for (;;) {
-    FileInfo info;
-    if (!qvPlatform::queryFile(toNativePath(above).asChar(), &info) && info.isSameFile(directory))
-      return true;
-    const IString next = above.dirname();
-    if (next.length() >= above.name().length()) return false;
-    above = next;
-  }
 }
 
 } // namespace qvOS

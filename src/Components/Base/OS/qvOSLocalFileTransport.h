@@ -3,6 +3,7 @@
 
 #include "Base/OS/qvOSFileTransport.h"
 #include "Base/Platform/qvPlatformFile.h"
+#include "Base/String/qvStringCString.h"
 
 #include <cstdio>
 
@@ -38,6 +39,10 @@ public:
   qvUtil::Error query(FileStatus& status) override;
   qvUtil::Error queryOwnerGroup(FileStatus& status) override;
 
+  /// The failure of a call that makes a name, from the system's number; no error for 0.
+  [[nodiscard]] static qvUtil::Error creationError(int failed);
+  /// The name as the system takes it, with no separator at its end: of a link, the link's own.
+  [[nodiscard]] qvString::CString nativeName() const;
   /// What the name itself is, a link as a link. The system's number, 0 for success.
   [[nodiscard]] int queryLink(qvPlatform::FileInfo* info) const;
   /// What the name leads to.

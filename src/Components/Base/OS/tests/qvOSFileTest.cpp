@@ -393,6 +393,7 @@ TEST(File, statusTellsWhatTheFileIs) {
   const qvTest::Scratch scratch;
   scratch.write("f", "12345");
   fs::create_directory_symlink(".", scratch.path("link"));
+  fs::last_write_time(scratch.path("f"), fs::file_time_type::clock::now() - std::chrono::hours(9));
   struct stat expected;
   ASSERT_EQ(stat(scratch.path("f").c_str(), &expected), 0);
   FileStatus status;
