@@ -383,7 +383,14 @@ TEST(File, temporaries) {
   EXPECT_EQ(name.size(), 10u);
   EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxy"), std::string::npos);
   EXPECT_TRUE(fs::is_directory(scratch.path(name)));
+  ASSERT_FALSE(file.open(readFlag));
   EXPECT_EQ(scratch.file("no/x").openTemp(8).num(), 18);
+  {
+    qvTest::PlatformScript script;
+    script.failCall(0, EACCES, "open");
+    EXPECT_EQ(file.getTransport()->openTemp(writeFlag).num(), 4);
+    EXPECT_FALSE(file.isOpen()) << "an open stream is closed first";
+  }
   EXPECT_EQ(scratch.file("no/x").makeTempDirectory().num(), 4);
   qvTest::failEveryCall(
       EEXIST, "open", [] {}, [&] { EXPECT_FALSE(scratch.file("again").openTemp(8)); }, [] {});

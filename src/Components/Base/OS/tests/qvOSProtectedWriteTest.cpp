@@ -244,6 +244,12 @@ TEST_F(ProtectedWriteTest, staleTemporariesAreInTheWayOnlyIfTheyStay) {
   const std::string stale = std::to_string(getpid()) + ".1.tmp";
   home.write(stale, "stale");
   EXPECT_TRUE(saveOnce(false));
+  ProtectedWrite interrupted(mainName());
+  EXPECT_TRUE(interrupted.init());
+  fs::rename(home.path("main.dat"), home.path(stale));
+  EXPECT_FALSE(interrupted.finalize());
+  EXPECT_EQ(home.read(stale), newText) << "the backup is all that there is";
+  fs::rename(home.path(stale), home.path("main.dat"));
   fs::create_directory(home.path(stale));
   ProtectedWrite save(mainName());
   EXPECT_FALSE(save.init());
