@@ -100,6 +100,8 @@ private:
   void popBufferChain();
 };
 
+static_assert(sizeof(ioBufferedStream) == (sizeof(void*) == 8 ? 24 : 16));
+
 /// A stream that reads.
 class QV_BASE_API ioBufferedStreamInput : public ioBufferedStream {
 public:
@@ -157,7 +159,7 @@ public:
   /// byte, so it is for single bytes only.
   void writeChar(char c);
   void writeData(const char* data, int count);
-  /// Writes a terminated text without its terminator.
+  /// Writes a terminated text without its terminator; nothing for null.
   void writeString(const char* text);
   /// Writes a formatted text (see QL_vsnprintf), cut to 1023 bytes.
   void printf(const char* format, ...);

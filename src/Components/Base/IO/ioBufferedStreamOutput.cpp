@@ -63,7 +63,7 @@ void ioBufferedStreamOutput::writeData(const char* data, int count) {
 }
 
 void ioBufferedStreamOutput::writeString(const char* text) {
-  writeData(text, static_cast<int>(std::min<std::size_t>(std::strlen(text), INT_MAX)));
+  if (text) writeData(text, static_cast<int>(std::min<std::size_t>(std::strlen(text), INT_MAX)));
 }
 
 void ioBufferedStreamOutput::printf(const char* format, ...) {

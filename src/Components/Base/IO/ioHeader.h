@@ -54,3 +54,5 @@ public:
   bool littleEndian = false;
   ioWriteMethod method = ioWriteAscii;
 };
+
+static_assert(sizeof(ioHeader) == 8);
