@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -52,9 +53,28 @@ int bindLoopback(bool ipv6, int port) {
   return descriptor;
 }
 
+template <class T>
+T optionOf(std::intptr_t socket, int level, int option) {
+  T value{};
+  socklen_t size = sizeof value;
+  (void)::getsockopt(static_cast<int>(socket), level, option, &value, &size);
+  return value;
+}
+
 } // namespace
 
 bool hasIPv6() { return Listener(true).port() != 0; }
+
+bool closesOnExec(std::intptr_t descriptor) {
+  return ::fcntl(static_cast<int>(descriptor), F_GETFD) == FD_CLOEXEC;
+}
+
+bool hasNoDelay(std::intptr_t socket) { return optionOf<int>(socket, IPPROTO_TCP, TCP_NODELAY) != 0; }
+
+int lingerOf(std::intptr_t socket) {
+  const auto value = optionOf<linger>(socket, SOL_SOCKET, SO_LINGER);
+  return value.l_onoff ? value.l_linger : -1;
+}
 
 int nextDescriptor() {
   const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -12,6 +13,15 @@ namespace qvTest {
 
 /// The least number that the next descriptor of this process gets: unchanged where nothing leaked.
 [[nodiscard]] int nextDescriptor();
+
+/// Whether a started program does not inherit the descriptor.
+[[nodiscard]] bool closesOnExec(std::intptr_t descriptor);
+
+/// Whether small writes go out at once.
+[[nodiscard]] bool hasNoDelay(std::intptr_t socket);
+
+/// How many seconds a close waits for data that is not yet sent; -1 where it does not.
+[[nodiscard]] int lingerOf(std::intptr_t socket);
 
 /// One accepted connection, closed with the object.
 class Peer {

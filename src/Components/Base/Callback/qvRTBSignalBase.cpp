@@ -1,9 +1,19 @@
 #include "Base/Callback/qvRTBSignalBase.h"
 
+#include <cstddef>
+
 namespace qvRTB {
 
-// The layout of an item: the list's links first, so that a walk touches one cache line.
-static_assert(sizeof(SignalBase::connectionItem) == 5 * sizeof(void*) + 8);
+struct SignalBase::connectionItem::Layout {
+  static_assert(offsetof(connectionItem, next_) == 0 && offsetof(connectionItem, prev_) == sizeof(void*));
+  static_assert(offsetof(connectionItem, function_) == 2 * sizeof(void*));
+  static_assert(offsetof(connectionItem, owner_) == 3 * sizeof(void*));
+  static_assert(offsetof(connectionItem, peer_) == 4 * sizeof(void*));
+  static_assert(offsetof(connectionItem, lockCount_) == 5 * sizeof(void*));
+  static_assert(offsetof(connectionItem, blockCount_) == 5 * sizeof(void*) + 2);
+  static_assert(offsetof(connectionItem, destroyPending_) == 5 * sizeof(void*) + 4);
+  static_assert(sizeof(connectionItem) == 5 * sizeof(void*) + 8);
+};
 
 SignalBase::connectionItem::~connectionItem() { delete function_; }
 

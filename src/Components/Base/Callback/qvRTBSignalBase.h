@@ -100,6 +100,7 @@ public:
 
 private:
   friend class SignalBase;
+  struct Layout;
   static constexpr std::uint16_t fullCount = 0xffff;
 
   void unlink() noexcept;

@@ -51,9 +51,10 @@ bool looksLikeFloat(const IString& word) {
 
 } // namespace
 
-class GetOpt::Impl {
+// The words, the table, and where the reading stands.
+class GetOptImpl {
 public:
-  explicit Impl(GetOpt* client) : owner(client) {}
+  explicit GetOptImpl(GetOpt* client) : owner(client) {}
 
   GetOpt* owner;
   bool hasError = false;
@@ -89,7 +90,7 @@ private:
   void readSequence();
 };
 
-const GetOpt::result* GetOpt::Impl::read() {
+const GetOpt::result* GetOptImpl::read() {
   current.option = nullptr;
   current.arguments.clear();
   if (hasError || atEnd) return nullptr;
@@ -100,7 +101,7 @@ const GetOpt::result* GetOpt::Impl::read() {
 }
 
 // Takes one word. False at the end of the options, and on an error.
-bool GetOpt::Impl::findOption() {
+bool GetOptImpl::findOption() {
   const IString& typed = words[next++];
   const bool dashed = startsWithDash(typed);
   if (!typed.isEmpty() && !dashed && needDash) {
@@ -125,7 +126,7 @@ bool GetOpt::Impl::findOption() {
   return current.option != nullptr;
 }
 
-void GetOpt::Impl::readArguments() {
+void GetOptImpl::readArguments() {
   bool optional = false;
   for (const ArgumentKind kind : current.option->kinds) {
     if (kind == ArgumentKind::optional) optional = true;
@@ -141,7 +142,7 @@ void GetOpt::Impl::readArguments() {
   }
 }
 
-void GetOpt::Impl::readArgument(ArgumentKind kind) {
+void GetOptImpl::readArgument(ArgumentKind kind) {
   switch (kind) {
   case ArgumentKind::boolean:
     return readBool();
@@ -171,7 +172,7 @@ void GetOpt::Impl::readArgument(ArgumentKind kind) {
   }
 }
 
-void GetOpt::Impl::readBool() {
+void GetOptImpl::readBool() {
   const IString& word = words[next++];
   const bool off = isOneOf(word, {QV_W("0"), QV_W("false"), QV_W("no"), QV_W("off")});
   const bool on = isOneOf(word, {QV_W("1"), QV_W("true"), QV_W("yes"), QV_W("on")});
@@ -183,14 +184,14 @@ void GetOpt::Impl::readBool() {
          name(), word.asWChar());
 }
 
-void GetOpt::Impl::readMatching(bool (*matches)(const IString&), const char* format) {
+void GetOptImpl::readMatching(bool (*matches)(const IString&), const char* format) {
   if (matches(words[next]))
     take();
   else
     fail(format, name(), words[next++].asWChar());
 }
 
-void GetOpt::Impl::readFile(bool dashIsStream, bool dashIsName, Validator validator, const char* label) {
+void GetOptImpl::readFile(bool dashIsStream, bool dashIsName, Validator validator, const char* label) {
   const bool isDash = is(words[next], dash);
   Error error;
   if (isDash && !dashIsStream && !dashIsName)
@@ -203,7 +204,7 @@ void GetOpt::Impl::readFile(bool dashIsStream, bool dashIsName, Validator valida
 }
 
 // Up to the bracket that closes the outermost one, to a dot, or to the last word. Inner brackets are kept.
-void GetOpt::Impl::readSequence() {
+void GetOptImpl::readSequence() {
   int depth = 0;
   while (hasWord()) {
     const IString& word = words[next];
@@ -219,12 +220,11 @@ void GetOpt::Impl::readSequence() {
   if (depth < 0) fail("While processing option: -%s\n  Too many ']' characters", name());
 }
 
-GetOpt::GetOpt() : impl_(new Impl(this)) {}
+GetOpt::GetOpt() : impl_(new GetOptImpl(this)) {}
 
 GetOpt::~GetOpt() { delete impl_; }
 
-// ---- The table
-// -----------------------------------------------------------------------------------------------
+// ---- The table ----
 
 int GetOpt::addOption(const char* name, const char* types) {
   return impl_->table.add(name ? name : "", types);
@@ -260,7 +260,7 @@ int GetOpt::getOptionIndex(const option* which) const { return which ? which->in
 
 IString GetOpt::getOptionTitle(const option* which) const {
   IString title;
-  if (which) title.format("%s%s%s\n", impl_->dashText(), which->name.asChar(), which->labels().asChar());
+  if (which) title.format("%s%s%s\n", impl_->dashText(), which->name.asChar(), labelsOf(*which).asChar());
   return title;
 }
 
@@ -272,7 +272,7 @@ IString GetOpt::getOptionUsage(const option* which, bool withShortest) const {
   IString usage;
   if (!which) return usage;
   IString line;
-  const CString labels = which->labels();
+  const CString labels = labelsOf(*which);
   const auto addLine = [&](const CString& name) {
     line.format("  %s%s%s\n", impl_->dashText(), name.asChar(), labels.asChar());
     usage.append(line);
@@ -294,8 +294,7 @@ void GetOpt::getSortedOptions(qv::vector<int>& indices) const {
             [&](int a, int b) { return impl_->table.at(a)->name < impl_->table.at(b)->name; });
 }
 
-// ---- Reading
-// -------------------------------------------------------------------------------------------------
+// ---- Reading ----
 
 void GetOpt::initialize(const qv::vector<IString>& words) {
   impl_->words = words;
@@ -332,8 +331,7 @@ void GetOpt::remaining(qv::vector<IString>& words) const {
   words.assign(impl_->words.begin() + impl_->next, impl_->words.end());
 }
 
-// ---- What was read
-// -------------------------------------------------------------------------------------------
+// ---- What was read ----
 
 const GetOpt::option* GetOpt::getResultOption(const result* which) const {
   return which ? which->option : nullptr;

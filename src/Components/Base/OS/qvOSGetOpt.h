@@ -10,9 +10,10 @@
 
 namespace qvOS {
 
+class GetOptImpl;
+
 /// A command line and its table of options. An option may be shortened to any prefix that stays unique;
-/// `-name` and
-/// `--name` are the same; `--` alone ends the options. Nothing is printed and nothing is thrown.
+/// `-name` and `--name` are the same; `--` alone ends the options. Nothing is printed and nothing is thrown.
 /// Belongs to one thread. Virtual order is part of the interface.
 class QV_BASE_API GetOpt {
 public:
@@ -82,8 +83,7 @@ public:
   // ---- Reading ----
 
   /// Takes the words to read in place of those left; the first word is the first option, so a program leaves
-  /// out its own name (`argc - 1`, `argv + 1`). Native narrow words are read as `fromNativePath` reads a
-  /// path.
+  /// out its own name (`argc - 1`, `argv + 1`). Narrow words are read as `fromNativePath` reads a path.
   void initialize(const qv::vector<qvString::IString>& words);
   void initialize(int count, const qv::WChar* const* words);
   void initialize(int count, const char* const* words);
@@ -115,8 +115,7 @@ public:
   void getResultArgs(const result* which, qv::vector<qvString::IString>& arguments) const;
 
 private:
-  class Impl;
-  Impl* impl_;
+  GetOptImpl* impl_;
 };
 
 } // namespace qvOS

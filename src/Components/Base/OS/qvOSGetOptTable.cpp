@@ -35,9 +35,10 @@ qv::vector<ArgumentKind> parseKinds(const char* types) {
 
 } // namespace
 
-CString GetOpt::option::labels() const {
+CString labelsOf(const GetOpt::option& option) {
   CString text;
-  for (const ArgumentKind kind : kinds) text.append(' ').append(kindTable[static_cast<int>(kind)].label);
+  for (const ArgumentKind kind : option.kinds)
+    text.append(' ').append(kindTable[static_cast<int>(kind)].label);
   return text;
 }
 
@@ -92,7 +93,7 @@ template const GetOptNames::Option* GetOptNames::find(std::basic_string_view<qv:
 std::string_view GetOptNames::shortest(std::string_view name, const Option* option) const {
   std::size_t length = 0;
   for (int node = 0; length < name.size(); ++length) {
-    if (nodes_[node].option == option || (length > 0 && nodes_[node].passCount == 1)) break;
+    if (length > 0 && (nodes_[node].option == option || nodes_[node].passCount == 1)) break;
     node = child(node, name[length]);
   }
   return name.substr(0, length);

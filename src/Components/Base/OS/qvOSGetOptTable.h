@@ -35,10 +35,10 @@ struct GetOpt::option {
   qvString::IString usage;
   qv::vector<ArgumentKind> kinds;
   bool deprecated = false;
-
-  /// A blank and a label for each kind.
-  [[nodiscard]] qvString::CString labels() const;
 };
+
+/// A blank and a label for each kind of argument.
+[[nodiscard]] qvString::CString labelsOf(const GetOpt::option& option);
 
 /// All names as a tree of characters. Nodes lie in one block; a node's children are a chain of siblings.
 class GetOptNames {

@@ -24,8 +24,7 @@ inline constexpr unsigned familyIPv6 = 2;
 /// Whether `number` tells that a connection was refused or its network cannot be reached.
 [[nodiscard]] bool isUnreachable(int number) noexcept;
 
-// ---- Hosts
-// ---------------------------------------------------------------------------------------------------
+// ---- Hosts ----
 
 /// Whether `text` is an IPv4 number as `inet_addr` reads it: one to four parts, each in any C base.
 [[nodiscard]] bool isDottedNumber(const char* text) noexcept;
@@ -33,8 +32,8 @@ inline constexpr unsigned familyIPv6 = 2;
 enum class Lookup { found, unknownHost, failed };
 enum class HostForm { name, number };
 
-/// The name or the number, as `form` says, of an IPv4 host [getaddrinfo]. `text` receives it, or what went
-/// wrong.
+/// The name or the number, as `form` says, of an IPv4 host [getaddrinfo]. `*text` receives it, or the
+/// failure's text.
 [[nodiscard]] Lookup lookUpHost(const char* host, HostForm form, std::string* text);
 
 /// The stream addresses of both families for a host (null for this machine) and a port; `passive` for
@@ -44,8 +43,7 @@ enum class HostForm { name, number };
 void freeAddressList(addrinfo* list) noexcept;
 [[nodiscard]] const addrinfo* nextAddress(const addrinfo* entry) noexcept;
 
-// ---- Sockets
-// -------------------------------------------------------------------------------------------------
+// ---- Sockets ----
 
 /// Opens a socket of the entry's family, type and protocol [socket].
 [[nodiscard]] int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept;

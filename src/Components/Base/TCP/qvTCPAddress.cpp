@@ -27,6 +27,9 @@ unsigned int onlyColon(const IString& text) {
   return colon != IString::npos && text.find(QV_W(':'), colon + 1) == IString::npos ? colon : IString::npos;
 }
 
+// As `atoi` reads it, which leaves open what a number past its range gives; `strtol` does not.
+int portOf(const IString& text) { return static_cast<int>(std::strtol(text.asUTF8(), nullptr, 10)); }
+
 } // namespace
 
 const IString Address::localhost(localhostText, qvString::UTF8Encoding);
@@ -41,7 +44,7 @@ Address::Address(const IString& text) {
   if (colon == IString::npos)
     parse(text, -1);
   else
-    parse(text.substr(0, colon), std::atoi(text.substr(colon + 1).asUTF8()));
+    parse(text.substr(0, colon), portOf(text.substr(colon + 1)));
 }
 
 void Address::parse(const IString& text, int port) {

@@ -36,6 +36,21 @@ Error thrownInThrowMode(const SocketImpl& impl, Error error) {
   return error;
 }
 
+// Asks `moveSome(done, size, &moved)` until all `count` bytes went, at least once. `*total` (may be null)
+// receives how many did.
+template <class MoveSome>
+Error moveAll(const SocketImpl& impl, std::uint64_t count, std::uint64_t* total, MoveSome moveSome) {
+  Error error;
+  std::uint64_t done = 0;
+  do {
+    std::size_t moved = 0;
+    error = moveSome(done, static_cast<std::size_t>(std::min(count - done, largestPiece)), &moved);
+    done += moved;
+  } while (!error && done < count);
+  if (total) *total = done;
+  return thrownInThrowMode(impl, error);
+}
+
 int waitFor(const SocketImpl& impl, const Interval& limit) noexcept {
   qvPlatform::SocketWait entry{impl.handle, false};
   return qvPlatform::waitReadable(&entry, 1, waitLimit(limit), nullptr);
@@ -84,33 +99,22 @@ Socket::~Socket() {
 }
 
 Error Socket::read(void* buffer, std::uint64_t count, std::uint64_t* got) {
-  Error error;
-  std::uint64_t done = 0;
-  do {
-    const auto piece = static_cast<std::size_t>(std::min(count - done, largestPiece));
-    std::size_t received = 0;
-    error = systemError(
-        1, qvPlatform::receiveSome(impl_->handle, static_cast<std::byte*>(buffer) + done, piece, &received));
-    if (!error && received == 0) error = Error(4, "connection closed");
-    done += received;
-  } while (!error && done < count);
-  if (got) *got = done;
-  return thrownInThrowMode(*impl_, error);
+  const auto receive = [&](std::uint64_t done, std::size_t size, std::size_t* moved) {
+    auto* const target = static_cast<std::byte*>(buffer) + done;
+    if (const int number = qvPlatform::receiveSome(impl_->handle, target, size, moved))
+      return systemError(1, number);
+    return *moved ? Error() : Error(4, "connection closed");
+  };
+  return moveAll(*impl_, count, got, receive);
 }
 
+// A send of nothing is no error; the loop asks again.
 Error Socket::write(const void* buffer, std::uint64_t count, std::uint64_t* put) {
-  Error error;
-  std::uint64_t done = 0;
-  do {
-    const auto piece = static_cast<std::size_t>(std::min(count - done, largestPiece));
-    std::size_t sent = 0;
-    error = systemError(
-        1, qvPlatform::sendSome(impl_->handle, static_cast<const std::byte*>(buffer) + done, piece, &sent),
-        "send() failed: %s");
-    done += sent;
-  } while (!error && done < count);
-  if (put) *put = done;
-  return thrownInThrowMode(*impl_, error);
+  const auto send = [&](std::uint64_t done, std::size_t size, std::size_t* moved) {
+    const auto* const source = static_cast<const std::byte*>(buffer) + done;
+    return systemError(1, qvPlatform::sendSome(impl_->handle, source, size, moved), "send() failed: %s");
+  };
+  return moveAll(*impl_, count, put, send);
 }
 
 Error Socket::write(const char* text) { return write(CString(text)); }

@@ -32,15 +32,15 @@ public:
   Socket(const Socket&) = delete;
   Socket& operator=(const Socket&) = delete;
 
-  /// Reads exactly `count` bytes, waiting as long as it takes. The system is asked once even where `count` is
-  /// 0.
-  /// `*got` (may be null) receives how many came, also on a failure.
-  /// @return no error; code 4 "connection closed" where the peer closed first; code 1 on any other failure,
-  /// which includes a `count` of 2^32 bytes or more. In throw mode a failure is thrown as well.
+  /// Reads exactly `count` bytes, waiting as long as it takes. `*got` (may be null) receives how many came,
+  /// also on a failure. For a `count` of 0 the system is asked once too: it waits until there is something to
+  /// read, takes nothing of it, and the result is code 4.
+  /// @return no error; code 4 "connection closed" where nothing came any more; code 1 on any other failure.
+  /// In throw mode a failure is thrown as well.
   qvUtil::Error read(void* buffer, std::uint64_t count, std::uint64_t* got) override;
 
-  /// Writes exactly `count` bytes, waiting as long as it takes. `*put` (may be null) receives how many went
-  /// out.
+  /// Writes exactly `count` bytes, waiting as long as it takes. `*put` (may be null) receives how many went,
+  /// also on a failure.
   /// @return no error, or code 1. In throw mode a failure is thrown as well.
   qvUtil::Error write(const void* buffer, std::uint64_t count, std::uint64_t* put) override;
 

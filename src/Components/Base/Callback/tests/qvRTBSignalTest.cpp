@@ -220,6 +220,38 @@ TEST(Signal, Blocks) {
   EXPECT_EQ(signal.addCallback(nullptr), nullptr);
 }
 
+TEST(Signal, UnblocksAllThatItBlocked) {
+  Scene scene([](Scene&) {});
+  qvRTB::SignalVoid& signal = *scene.signal;
+  signal.block(scene.b);
+  for (int i = 0; i < 2; ++i) signal.blockAll();
+  signal.unblockAll();
+  EXPECT_TRUE(signal.isBlocked(scene.a));
+  EXPECT_FALSE(signal.isBlocked(scene.c));
+  EXPECT_EQ(scene.emit(), "cC");
+  signal.unblockAll();
+  EXPECT_EQ(scene.emit(), "cCaA"); // `b` keeps its own block
+}
+
+// Cuts its newest connection, which is found nevertheless while it runs.
+void cutItself(qvRTB::SignalBase& signal) {
+  void* const self = reinterpret_cast<void*>(&cutItself);
+  Connection* const newest = signal.findGlobalCallback(self);
+  signal.disconnect(newest);
+  EXPECT_EQ(signal.findGlobalCallback(self), newest);
+}
+
+TEST(Signal, FindsTheNewest) {
+  qvRTB::SignalArg<qvRTB::SignalBase&> signal;
+  signal.connect(cutItself);
+  Connection* const newest = signal.connect(cutItself);
+  signal.connect([](qvRTB::SignalBase&) {});
+  EXPECT_EQ(signal.findGlobalCallback(reinterpret_cast<void*>(&cutItself)), newest);
+  signal.emit(signal);
+  EXPECT_EQ(signal.findGlobalCallback(reinterpret_cast<void*>(&cutItself)), nullptr);
+  EXPECT_EQ(signal.numConnections(), 1);
+}
+
 int received = 0;
 void receive(int value) { received += value; }
 

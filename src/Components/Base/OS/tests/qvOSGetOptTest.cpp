@@ -328,12 +328,12 @@ public:
     }
   }
   std::string shortest(const std::string& name, int index) const {
-    for (std::size_t length = 0; length < name.size(); ++length) {
+    for (std::size_t length = 1; length < name.size(); ++length) {
       const std::string prefix = name.substr(0, length);
       const auto exact = names_.find(prefix);
       const auto passes = std::count_if(attempts_.begin(), attempts_.end(),
                                         [&](const std::string& each) { return each.starts_with(prefix); });
-      if ((exact != names_.end() && exact->second == index) || (length && passes == 1)) return prefix;
+      if ((exact != names_.end() && exact->second == index) || passes == 1) return prefix;
     }
     return name;
   }

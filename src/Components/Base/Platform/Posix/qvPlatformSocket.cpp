@@ -238,13 +238,14 @@ int fromCookie(void* cookie) noexcept { return static_cast<int>(reinterpret_cast
 
 ssize_t readCookie(void* cookie, char* buffer, std::size_t size) noexcept {
   std::size_t count = 0;
-  const int error = receiveSome(fromCookie(cookie), buffer, size, &count);
-  errno = error ? error : errno;
-  return error ? -1 : static_cast<ssize_t>(count);
+  if (const int error = receiveSome(fromCookie(cookie), buffer, size, &count)) {
+    errno = error;
+    return -1;
+  }
+  return static_cast<ssize_t>(count);
 }
 
-// The stream takes a count below `size` for a failure, and a negative one for a fault of the cookie: 0 is
-// right.
+// The stream takes a count below `size` for a failure, so 0 tells one; a negative count is not allowed here.
 ssize_t writeCookie(void* cookie, const char* buffer, std::size_t size) noexcept {
   std::size_t done = 0;
   while (done < size) {
@@ -264,9 +265,11 @@ int seekCookie(void*, off64_t*, int) noexcept {
 }
 
 int closeCookie(void* cookie) noexcept {
-  const int error = closeDescriptor(fromCookie(cookie));
-  errno = error ? error : errno;
-  return error ? -1 : 0;
+  if (const int error = closeDescriptor(fromCookie(cookie))) {
+    errno = error;
+    return -1;
+  }
+  return 0;
 }
 
 } // namespace

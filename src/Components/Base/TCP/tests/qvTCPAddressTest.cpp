@@ -85,6 +85,12 @@ TEST(TCPAddress, LooksUpHosts) {
   EXPECT_TRUE(name.isNumbersAndDotsCached() && name.isNameCached());
   EXPECT_FALSE(name.isLocalLoopback());
 
+  const Address loopback("127.0.0.1", 1);
+  const auto itsName = loopback.getName(); // which this machine may not know
+  EXPECT_EQ(itsName.second.num() == 0, loopback.isNameCached());
+  EXPECT_EQ(itsName.first.isEmpty(), !loopback.isNameCached());
+  EXPECT_FALSE(itsName.first == Address::localhost);
+
   EXPECT_EQ(Address("no such host", 1).resolve().num(), 3);
   EXPECT_EQ(Address("no such host", 1).getAddrInfo(false), nullptr);
   qvTest::PlatformScript script;

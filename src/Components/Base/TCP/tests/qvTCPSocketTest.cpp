@@ -105,13 +105,50 @@ TEST_P(TCPSocket, KnowsItsEnds) {
   Connection link(GetParam());
   const auto local = link.client.localAddress();
   ASSERT_TRUE(local.first) << local.second.message();
-  EXPECT_EQ(local.first->getPort() > 0, true);
-  EXPECT_EQ(local.first->isLocalLoopback(), !GetParam());
+  const IString& loopback = GetParam() ? Address::localhostV6 : Address::localhost;
+  EXPECT_TRUE(*local.first == Address(loopback, local.first->getPort()));
+  EXPECT_NE(local.first->getPort(), link.listener.port());
   EXPECT_EQ(link.client.localAddress().first, local.first);
-  EXPECT_EQ(link.client.remoteAddress().first->getPort(), link.listener.port());
+  EXPECT_TRUE(*link.client.remoteAddress().first == Address(loopback, link.listener.port()));
+
+  // As an accepted socket asks for its other end.
+  qvTCP::SocketImpl& impl = *link.client.getImpl();
+  impl.remoteAddress.reset();
   EXPECT_FALSE(link.client.connected());
-  EXPECT_FALSE(link.client.setNoDelay(true));
-  EXPECT_FALSE(link.client.setNoDelay(false));
+  EXPECT_EQ(told(link.client.remoteAddress().second), "4 Socket not connected");
+  impl.isConnected = true;
+  qvTest::PlatformScript script;
+  script.failCall(0, EIO, "getpeername");
+  EXPECT_EQ(link.client.remoteAddress().second.num(), 1);
+  const auto remote = link.client.remoteAddress();
+  ASSERT_TRUE(remote.first) << remote.second.message();
+  EXPECT_TRUE(*remote.first == Address(loopback, link.listener.port()));
+}
+
+TEST(TCPClient, ConnectsAgain) {
+  Connection link;
+  const int next = qvTest::nextDescriptor();
+  (void)link.client.close(2);
+  EXPECT_FALSE(link.client.connect());
+  EXPECT_TRUE(link.peer->atEnd());
+  EXPECT_EQ(qvTest::nextDescriptor(), next);
+  EXPECT_FALSE(link.client.write("x"));
+  EXPECT_EQ(link.listener.accept()->receive(3), frame("x"));
+}
+
+TEST(TCPClient, SetsOptions) {
+  Connection link;
+  const auto handle = link.client.getImpl()->handle;
+  EXPECT_TRUE(link.client.getCStream().first);
+  EXPECT_TRUE(qvTest::closesOnExec(handle) && qvTest::closesOnExec(link.client.getImpl()->descriptor));
+  EXPECT_EQ(qvTest::lingerOf(handle), 2);
+  for (const bool on : {true, false}) {
+    EXPECT_FALSE(link.client.setNoDelay(on));
+    EXPECT_EQ(qvTest::hasNoDelay(handle), on);
+  }
+  qvTest::PlatformScript script;
+  script.failCall(0, EIO, "setsockopt");
+  EXPECT_TRUE(startsWith(told(link.client.setNoDelay(true)), "1 setsockopt() failed: "));
 }
 
 TEST(TCPClient, TellsHowReadingAndWritingEnd) {
@@ -120,12 +157,11 @@ TEST(TCPClient, TellsHowReadingAndWritingEnd) {
   {
     Connection link;
     link.peer->send("abc");
+    EXPECT_EQ(told(link.client.read(nullptr, 0, &count)), "4 connection closed"); // asks once, takes nothing
+    EXPECT_EQ(count, 0u);
     link.peer->close();
     EXPECT_EQ(told(link.client.read(buffer, 8, &count)), "4 connection closed");
     EXPECT_EQ(std::string(buffer, count), "abc");
-    EXPECT_EQ(told(link.client.read(nullptr, 0, &count)),
-              "4 connection closed"); // asks once and gets nothing
-    EXPECT_EQ(count, 0u);
     EXPECT_FALSE(link.client.write(nullptr, 0, nullptr));
   }
   for (const bool throwMode : {false, true}) {
@@ -145,6 +181,7 @@ TEST(TCPClient, TellsHowReadingAndWritingEnd) {
     EXPECT_TRUE(startsWith(outcome([&] { return link.client.read(buffer, 8, &count); }), thrown + "1 "));
     EXPECT_EQ(count, 0u);
     // A signal of the broken pipe would end this process.
+    count = 99;
     const auto write = [&] { return link.client.write("abc", 3, &count); };
     EXPECT_TRUE(startsWith(outcome(write), thrown + "1 send() failed: "));
     EXPECT_EQ(count, 0u);
@@ -195,18 +232,20 @@ TEST(TCPClient, TellsHowConnectingEnds) {
   const struct {
     int line;
     const char* call;
+    int number;
     const char* error;
   } rows[] = {
-      {__LINE__, "socket", "2 connect() failed: "},
-      {__LINE__, "setsockopt", "2 Could not set LINGER socket option: "},
-      {__LINE__, "connect", "2 connect() failed: "},
-      {__LINE__, "getaddrinfo", "2 getaddrinfo failed: "},
+      {__LINE__, "socket", EIO, "2 connect() failed: "},
+      {__LINE__, "setsockopt", EIO, "2 Could not set LINGER socket option: "},
+      {__LINE__, "connect", EIO, "2 connect() failed: "},
+      {__LINE__, "connect", ENETUNREACH, "4 connect() failed: "},
+      {__LINE__, "getaddrinfo", EIO, "2 getaddrinfo failed: "},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
     const int next = qvTest::nextDescriptor();
     qvTest::PlatformScript script;
-    script.failCall(0, EIO, row.call, 9);
+    script.failCall(0, row.number, row.call, 9);
     EXPECT_TRUE(startsWith(told(ClientSocket(nobody).connect()), row.error));
     EXPECT_EQ(qvTest::nextDescriptor(), next);
   }
@@ -313,6 +352,11 @@ TEST(TCPClient, OffersACStream) {
     qvTest::PlatformScript script;
     (void)link.client.close(3);
     EXPECT_EQ(script.count("close"), 2); // the stream's duplicate and the socket
+
+    Connection whole;
+    std::fputs("not lost", whole.client.getCStream().first);
+    (void)whole.client.close(3);
+    EXPECT_EQ(whole.peer->receive(9), "not lost");
   }
   EXPECT_EQ(qvTest::nextDescriptor(), next);
 
