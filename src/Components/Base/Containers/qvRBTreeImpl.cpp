@@ -330,7 +330,8 @@ void RBTreeImpl::eraseNodesRange(Node* first, Node* last) {
 
 int RBTreeImpl::eraseNodesMatching(const void* key) {
   Node* const first = lowerBound(key);
-  Node* const last = upperBound(key);
+  Node* last = first;
+  while (last != &header_ && !lessKey(key, last)) last = last->next();
   const int before = count_;
   eraseNodesRange(first, last);
   return before - count_;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -42,37 +43,43 @@ struct TreeRecord {
   static const Key& cast(const void* key) noexcept { return *static_cast<const Key*>(key); }
   static bool less(const void* a, const void* b) { return Less()(cast(a), cast(b)); }
 
+  /// `condition ? a : b`. No processor can predict which way a walk turns, and a comparison of scalars costs
+  /// less than a wrong guess, so that there is no branch for them.
+  static Node* chosen(bool condition, Node* a, Node* b) noexcept {
+    if constexpr (std::is_scalar_v<Key>) {
+      const std::uintptr_t mask = std::uintptr_t{0} - condition;
+      return reinterpret_cast<Node*>((reinterpret_cast<std::uintptr_t>(a) & mask) |
+                                     (reinterpret_cast<std::uintptr_t>(b) & ~mask));
+    } else {
+      return condition ? a : b;
+    }
+  }
+
   static Node* lowerBound(const RBTreeImpl* tree, const void* key) {
     const Key& wanted = cast(key);
-    const Node* found = tree->end();
-    for (const Node* node = tree->root(); node;) {
-      if (Less()(keyOf(node), wanted)) {
-        node = node->right;
-      } else {
-        found = node;
-        node = node->left;
-      }
+    Node* found = const_cast<Node*>(tree->end());
+    for (Node* node = tree->root(); node;) {
+      const bool right = Less()(keyOf(node), wanted);
+      found = chosen(right, found, node);
+      node = chosen(right, node->right, node->left);
     }
-    return const_cast<Node*>(found);
+    return found;
   }
   static Node* upperBound(const RBTreeImpl* tree, const void* key) {
     const Key& wanted = cast(key);
-    const Node* found = tree->end();
-    for (const Node* node = tree->root(); node;) {
-      if (Less()(wanted, keyOf(node))) {
-        found = node;
-        node = node->left;
-      } else {
-        node = node->right;
-      }
+    Node* found = const_cast<Node*>(tree->end());
+    for (Node* node = tree->root(); node;) {
+      const bool left = Less()(wanted, keyOf(node));
+      found = chosen(left, node, found);
+      node = chosen(left, node->left, node->right);
     }
-    return const_cast<Node*>(found);
+    return found;
   }
   static bool findInsertPosition(RBTreeImpl* tree, const void* key, Node** parentOut) {
     const Key& wanted = cast(key);
     Node* parent = tree->end();
     bool left = true;
-    for (Node* node = tree->root(); node; node = left ? node->left : node->right) {
+    for (Node* node = tree->root(); node; node = chosen(left, node->left, node->right)) {
       parent = node;
       left = Less()(wanted, keyOf(node));
     }
@@ -284,7 +291,16 @@ public:
   }
   /// @}
   /// Drops all elements with that key, which may lie in one of them. Returns how many.
-  int erase(const Key& key) { return eraseNodesMatching(std::addressof(key)); }
+  int erase(const Key& key) {
+    if constexpr (unique) {
+      Node* const node = const_cast<Node*>(findKey(key));
+      if (node == RBTreeImpl::end()) return 0;
+      eraseNode(node);
+      return 1;
+    } else {
+      return eraseNodesMatching(std::addressof(key));
+    }
+  }
 
   /// Makes this a copy, built anew.
   void copy(const Tree& other) {
