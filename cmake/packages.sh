@@ -35,4 +35,7 @@ build() {
   fi
 }
 
+# Objects are shared between checkouts.
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+
 build_packages="g++ cmake ninja-build libgtest-dev ccache"
