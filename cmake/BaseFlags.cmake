@@ -12,5 +12,7 @@ target_include_directories(BaseFlags INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_
 if(BASE_SANITIZE)
   target_compile_options(BaseFlags INTERFACE -fsanitize=${BASE_SANITIZE} -fno-sanitize-recover=all
     -fno-omit-frame-pointer)
+  # The instrumentation hides from the compiler what it could see before.
+  target_compile_options(BaseFlags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(BaseFlags INTERFACE -fsanitize=${BASE_SANITIZE})
 endif()

@@ -2,14 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <ctime>
-#include <regex>
 #include <string>
 
+namespace {
+
+/// The text with every digit as a "0".
+std::string shape(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; }, '0');
+  return text;
+}
+
+} // namespace
+
 TEST(Build, IdentifiersHaveTheirForms) {
-  EXPECT_TRUE(std::regex_match(gBuildDirectory, std::regex("[^:]+:.+")));
-  EXPECT_TRUE(std::regex_match(gBuildDate, std::regex("\\d{4} \\d\\d \\d\\d \\d\\d \\d\\d")));
-  EXPECT_TRUE(std::regex_match(gBuildChangeSet, std::regex("\\d{6}")));
+  const std::string directory = gBuildDirectory;
+  EXPECT_GT(directory.find(':'), 0U);
+  EXPECT_LT(directory.find(':'), directory.size() - 1);
+  EXPECT_EQ(shape(gBuildDate), "0000 00 00 00 00");
+  EXPECT_EQ(shape(gBuildChangeSet), "000000");
 }
 
 TEST(Build, DateAndTimeAreTheSameMoment) {
