@@ -9,7 +9,10 @@
 #include "Base/OS/qvOSFileOperations.h"
 #include "Base/OS/qvOSFileStatus.h"
 #include "Base/OS/qvOSFilename.h"
+#include "Base/OS/qvOSMemoryIOStream.h"
+#include "Base/OS/qvOSNativePath.h"
 #include "Base/OS/qvOSTemporary.h"
+#include "Base/Platform/qvPlatformFile.h"
 #include "Base/String/qvStringInt64.h"
 
 #include <algorithm>
@@ -43,6 +46,8 @@ static_assert(1 + magicSize == 57);
 
 /// An entry's bytes are counted in 32 bits.
 constexpr std::int64_t largestEntry = std::numeric_limits<std::int32_t>::max();
+/// A file of at most this size is compressed in memory, and a larger one in a temporary file.
+constexpr std::int64_t largestInMemory = 4 << 20;
 
 template <class... Texts>
 Error failure(int code, const qv::WChar* format, const Texts&... texts) {
@@ -94,17 +99,11 @@ CopyResult copyToEnd(ioBufferedStreamInput& input, ioBufferedStreamOutput& outpu
   return ended ? CopyResult::done : CopyResult::readFailed;
 }
 
-/// Compresses `source` into `target`. `*size` becomes the size of the result; 0 for an empty source, which
-/// leaves no target.
-Error compressFile(const IString& source, std::int64_t sourceSize, const IString& target,
-                   std::int64_t* size) {
-  *size = 0;
-  if (sourceSize == 0) return Error();
+/// Compresses `source` into `output`, which is closed.
+Error compressFile(const IString& source, std::int64_t sourceSize, ioBufferedStreamOutput& output) {
   Input input;
   input.openFile(source);
   if (!input.good()) return failure(9, QV_W("Error reading file: %S"), source);
-  Output output;
-  output.openFile(target);
   output.compress(true);
   output.checksum(true);
   std::int64_t total = 0;
@@ -114,7 +113,6 @@ Error compressFile(const IString& source, std::int64_t sourceSize, const IString
   if (result == CopyResult::writeFailed) return failure(10, QV_W("Error compressing file: %S"), source);
   if (result == CopyResult::readFailed) return failure(9, QV_W("Error reading file: %S"), source);
   if (total != sourceSize) return failure(8, QV_W("While compressing file it changed size: %S"), source);
-  *size = ioBufferedStream::fileSize(target);
   return Error();
 }
 
@@ -139,9 +137,12 @@ Error createDirectory(const IString& name) {
   return error ? Error(5, "%s", error.message()) : Error();
 }
 
-/// True for names that stand for the same file as they are written.
+/// True where both names lead to one file that exists.
 bool sameFile(const IString& a, const IString& b) {
-  return qvOS::Filename(a).name() == qvOS::Filename(b).name();
+  qvPlatform::FileInfo infoA;
+  qvPlatform::FileInfo infoB;
+  return !qvPlatform::queryFile(qvOS::toNativePath(a).asChar(), &infoA) &&
+         !qvPlatform::queryFile(qvOS::toNativePath(b).asChar(), &infoB) && infoA.isSameFile(infoB);
 }
 
 /// True for a name that would lead out of the directory that it is joined to. A hostile package may hold one.
@@ -190,7 +191,15 @@ const ioPackageFileEntry* ioPackageFile::getEntry(int index) const {
 
 const ioPackageFileEntry* ioPackageFile::getEntry(const IString& name) const {
   const auto found = directory_.find(name);
-  return found == directory_.end() ? nullptr : getEntry(found->second);
+  if (found == directory_.end()) return nullptr;
+  const ioPackageFileEntry& entry = entries_[found->second];
+  return entry.name_ == name ? &entry : nullptr;
+}
+
+/// Frees the region of the entry of that name. An index that a failed copy left behind leads to a record that
+/// is free or belongs to another entry, and changes nothing.
+void ioPackageFile::freeNamedEntry(const IString& name) {
+  if (getEntry(name)) freeEntry(directory_[name]);
 }
 
 void ioPackageFile::appendEntry(const IString& name, std::int64_t offset, std::int64_t size,
@@ -270,8 +279,8 @@ void ioPackageFile::swap(ioPackageFile& other) {
 
 // Opening and the header
 
-Error ioPackageFile::open(const IString& name) {
-  closePackageForOutput();
+Error ioPackageFile::open(const IString& packageName) {
+  const IString name = packageName; // it may be this package's own, which is emptied here
   ioPackageFile fresh;
   swap(fresh);
   qvOS::FileStatus status;
@@ -379,9 +388,9 @@ Error ioPackageFile::readDirectory() {
   const std::int64_t offset = entries_.back().offset_;
   if (offset <= 0) return Error();
   closePackageForOutput();
-  const IString name = packageName_;
   Error error = readDirectoryPackets(offset);
-  if (!error && !directoryIsSound(offset)) error = failure(17, QV_W("Error reading directory: %S"), name);
+  if (!error && !directoryIsSound(offset))
+    error = failure(17, QV_W("Error reading directory: %S"), packageName_);
   if (error) {
     ioPackageFile empty;
     swap(empty);
@@ -417,6 +426,7 @@ bool ioPackageFile::directoryIsSound(std::int64_t offset) const {
   const int last = static_cast<int>(entries_.size()) - 1;
   if (last < 0 || entries_[last].name_ != IString(".") || entries_[last].offset_ != offset) return false;
   std::int64_t end = pointerOffset_ + pointerSize;
+  if (offset < end) return false;
   for (int i = 0; i < last; ++i) {
     const ioPackageFileEntry& entry = entries_[i];
     if (entry.name_ == IString(".")) return false;
@@ -435,7 +445,7 @@ Error ioPackageFile::update() {
 Error ioPackageFile::writeDirectory() {
   const std::int64_t offset = entries_.back().offset_;
   if (Error error = openPackageForOutput()) return error;
-  if (!output_.seek(offset)) return failure(10, QV_W("Error writing directory: %S"), packageName_);
+  (void)output_.seek(offset); // a failure shows in the status
   const Error error = writeDirectoryPackets();
   // The pointer is written after a failure too.
   writeDirectoryPointer(offset);
@@ -501,12 +511,34 @@ Error ioPackageFile::addEntry(const IString& fileName, const IString& entryName,
 
   const std::int64_t size = status.getSize();
   const std::int64_t timeStamp = status.getLastModifiedDate();
-  if (!compress) return copyFileIntoPackage(fileName, size, timeStamp, false, name);
+  if (!compress || size == 0) return copyFileIntoPackage(fileName, size, timeStamp, false, name);
+  return size <= largestInMemory ? addThroughMemory(fileName, size, timeStamp, name)
+                                 : addThroughTemporary(fileName, size, timeStamp, name);
+}
 
-  const TemporaryFile compressed;
-  std::int64_t compressedSize = 0;
-  if (Error error = compressFile(fileName, size, compressed.name(), &compressedSize)) return error;
+Error ioPackageFile::addThroughMemory(const IString& fileName, std::int64_t size, std::int64_t timeStamp,
+                                      const IString& name) {
+  qvOS::MemoryIOStream compressed;
+  Output output;
+  output.openIOStream(&compressed);
+  if (Error error = compressFile(fileName, size, output)) return error;
+  const auto compressedSize = static_cast<std::int64_t>(compressed.size());
   if (compressedSize >= size) return copyFileIntoPackage(fileName, size, timeStamp, false, name);
+  compressed.seek(0);
+  Input input;
+  input.openIOStream(&compressed);
+  return copyStreamIntoPackage(input, compressedSize, timeStamp, true, name);
+}
+
+Error ioPackageFile::addThroughTemporary(const IString& fileName, std::int64_t size, std::int64_t timeStamp,
+                                         const IString& name) {
+  const TemporaryFile compressed;
+  Output output;
+  output.openFile(compressed.name());
+  if (Error error = compressFile(fileName, size, output)) return error;
+  const std::int64_t compressedSize = ioBufferedStream::fileSize(compressed.name());
+  if (compressedSize < 0 || compressedSize >= size)
+    return copyFileIntoPackage(fileName, size, timeStamp, false, name);
   return copyFileIntoPackage(compressed.name(), compressedSize, timeStamp, true, name);
 }
 
@@ -524,8 +556,7 @@ Error ioPackageFile::copyFileIntoPackage(const IString& fileName, std::int64_t s
   Input input;
   input.openFile(fileName);
   if (!input.good()) return failure(7, QV_W("Could not read file: %S\n"), fileName);
-  const Error error = copyStreamIntoPackage(input, size, timeStamp, compressed, name);
-  return error;
+  return copyStreamIntoPackage(input, size, timeStamp, compressed, name);
 }
 
 Error ioPackageFile::copyEntryIntoPackage(const ioPackageFileEntry& entry, const IString& name) {
@@ -535,18 +566,15 @@ Error ioPackageFile::copyEntryIntoPackage(const ioPackageFileEntry& entry, const
   Input input;
   input.openPackageFileEntry(&entry);
   const bool readable = input.good() || input.getStatus() == ioStreamAtEnd;
-  if (!readable || entry.getSize() > largestEntry)
+  if (!readable || entry.getSize() < 0 || entry.getSize() > largestEntry)
     return failure(7, QV_W("Could not read package file entry: %S\n"), entry.getName());
-  const Error error =
-      copyStreamIntoPackage(input, entry.getSize(), entry.getTimeStamp(), entry.getCompressed(), name);
-  return error;
+  return copyStreamIntoPackage(input, entry.getSize(), entry.getTimeStamp(), entry.getCompressed(), name);
 }
 
 Error ioPackageFile::copyStreamIntoPackage(ioBufferedStreamInput& input, std::int64_t size,
                                            std::int64_t timeStamp, bool compressed, const IString& name) {
   if (Error error = openPackageForOutput()) return error;
-  const auto old = directory_.find(name);
-  if (old != directory_.end()) freeEntry(old->second);
+  freeNamedEntry(name);
   const int index = createEntry(size);
   if (Error error = copyBytes(input, entries_[index].offset_, size, name)) {
     // The old entry of this name is gone by now, and its index in the directory stays behind.
@@ -588,7 +616,7 @@ Error ioPackageFile::deleteEntry(const IString& name) {
   const auto found = directory_.find(name);
   if (found == directory_.end())
     return failure(13, QV_W("Can not delete named entry as it does not exist: %S"), name);
-  freeEntry(found->second);
+  freeNamedEntry(name);
   directory_.erase(found);
   return Error();
 }
@@ -601,11 +629,9 @@ Error ioPackageFile::write(const IString& name) {
   ioPackageFile copy;
   if (Error error = copy.open(name)) return error;
   if (!copy.writable_) return Error(4, "The package file is not writable.");
-  for (const auto& [entryName, index] : directory_) {
-    const ioPackageFileEntry* entry = getEntry(index);
-    if (!entry) continue; // the stale index of a failed copy
-    if (Error error = copy.copyEntryIntoPackage(*entry, entryName)) return error;
-  }
+  for (const auto& named : directory_)
+    if (const ioPackageFileEntry* entry = getEntry(named.first))
+      if (Error error = copy.copyEntryIntoPackage(*entry, named.first)) return error;
   if (Error error = copy.update()) return error;
   swap(copy);
   return Error();
@@ -647,10 +673,11 @@ Error ioPackageFile::extractEntry(const ioPackageFileEntry* entry, const IString
 
 Error ioPackageFile::expand(const IString& directory) {
   if (Error error = createDirectory(directory)) return error;
-  for (const auto& [name, index] : directory_) {
+  for (const auto& named : directory_) {
+    const IString& name = named.first;
     if (leavesDirectory(name))
       return failure(12, QV_W("File is using a name which is not allowed: %S"), name);
-    if (Error error = extractEntry(getEntry(index), qvOS::Filename::join(directory, name))) return error;
+    if (Error error = extractEntry(getEntry(name), qvOS::Filename::join(directory, name))) return error;
   }
   return Error();
 }

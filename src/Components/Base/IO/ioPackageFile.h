@@ -90,8 +90,9 @@ public:
   [[nodiscard]] QV_BASE_API qvUtil::Error write(const qvString::IString& name);
 
   /// Stores the file `fileName` as the entry `entryName`, which is cleaned up by `cleanupName` first. An
-  /// entry of that name is replaced. With `compress`, the file is compressed through a temporary file, and
-  /// the result is kept where it is smaller than the source. Files of 2 GiB and more are refused.
+  /// entry of that name is replaced. With `compress`, the file is compressed first (a large one through a
+  /// temporary file), and the result is kept where it is smaller than the source. Files of 2 GiB and more are
+  /// refused.
   /// @return code 3 or 4 where the package cannot be changed, 6 where the file does not exist, 7 where it
   /// cannot be read, 8 or 16 where it changes its size meanwhile, 9 and 10 for failures of reading and
   /// writing, 11 and 12 for a name that is not allowed, 15 where the package cannot be written. After a
@@ -123,7 +124,8 @@ public:
   /// own.
   /// @return null for a free record and for an index outside.
   [[nodiscard]] QV_BASE_API const ioPackageFileEntry* getEntry(int index) const;
-  /// The entry of that name, or null.
+  /// The entry of that name; null where there is none, or where a failed copy has taken it away: its name
+  /// stays in `getDirectory` until it is added again or deleted.
   [[nodiscard]] QV_BASE_API const ioPackageFileEntry* getEntry(const qvString::IString& name) const;
 
   /// Names and the indexes of their records.
@@ -147,6 +149,7 @@ private:
   [[nodiscard]] int createEntry(std::int64_t size);
   void splitEntry(int index, std::int64_t size);
   void freeEntry(int index);
+  void freeNamedEntry(const qvString::IString& name);
   void joinEntries(int index);
   void updateDirectoryEntry(std::int64_t offset);
   void shiftIndexes(int first, int by);
@@ -166,6 +169,10 @@ private:
 
   [[nodiscard]] qvUtil::Error verifyChange() const;
   [[nodiscard]] qvUtil::Error verifyAddEntry(const qvString::IString& name) const;
+  [[nodiscard]] qvUtil::Error addThroughMemory(const qvString::IString& fileName, std::int64_t size,
+                                               std::int64_t timeStamp, const qvString::IString& name);
+  [[nodiscard]] qvUtil::Error addThroughTemporary(const qvString::IString& fileName, std::int64_t size,
+                                                  std::int64_t timeStamp, const qvString::IString& name);
   [[nodiscard]] qvUtil::Error copyFileIntoPackage(const qvString::IString& fileName, std::int64_t size,
                                                   std::int64_t timeStamp, bool compressed,
                                                   const qvString::IString& name);
