@@ -47,13 +47,14 @@ bool allows(const Command& command, const std::string& option) {
   return (" " + std::string(command.options) + " ").find(" " + option + " ") != std::string::npos;
 }
 
-/// Stores one option that was read.
-void store(const qvOS::GetOpt& options, const qvOS::GetOpt::result* result, Arguments& arguments) {
+/// Stores one option that was read. @return its name.
+std::string store(const qvOS::GetOpt& options, const qvOS::GetOpt::result* result, Arguments& arguments) {
   const std::string name = options.getResultName(result).asChar();
   if (name == "compress") arguments.compress = true;
   if (name == "json") arguments.json = true;
   if (name == "from") arguments.from = toNative(options.getResultArg(result, 0));
   if (name == "into") arguments.into = toNative(options.getResultArg(result, 0));
+  return name;
 }
 
 std::string firstLine(const char* text) {
@@ -61,46 +62,58 @@ std::string firstLine(const char* text) {
   return whole.substr(0, whole.find('\n'));
 }
 
-} // namespace
-
-std::optional<Arguments> readArguments(int count, char** words, std::string& problem) {
-  Arguments arguments;
-  if (count < 1) return problem = "no command", std::nullopt;
-  arguments.command = words[0];
-  const auto command = std::find_if(std::begin(commands), std::end(commands),
-                                    [&](const Command& c) { return arguments.command == c.name; });
-  if (command == std::end(commands)) return problem = "unknown command: " + arguments.command, std::nullopt;
-
+/// Sorts the words into options, whose names are stored in `given`, and positional ones.
+/// @return what is wrong, empty where nothing is.
+std::string sortWords(int count, char** words, Arguments& arguments, std::vector<std::string>& given) {
   qvOS::GetOpt options;
   options.addOption("compress", nullptr);
   options.addOption("json", nullptr);
   options.addOption("from", "string");
   options.addOption("into", "string");
   qv::vector<qvString::IString> remaining;
-  for (int i = 1; i < count; ++i) remaining.append(fromNative(words[i]));
+  for (int i = 0; i < count; ++i) remaining.append(fromNative(words[i]));
 
   bool onlyWords = false;
   while (!remaining.empty()) {
     const qvString::IString& next = remaining[0];
+    if (next.isEmpty() || next == qvString::IString("-")) return "\"" + toNative(next) + "\" names no file";
     // A word that is no option is taken off here: the option reader itself refuses one.
-    if (onlyWords || next.isEmpty() || next[0] != '-') {
+    if (onlyWords || next[0] != '-') {
       arguments.words.push_back(toNative(next));
       remaining.erase(remaining.begin());
       continue;
     }
     options.initialize(remaining);
     const qvOS::GetOpt::result* result = options.getOpt();
-    if (options.hasErrors()) return problem = firstLine(options.getError().asUTF8()), std::nullopt;
+    if (options.hasErrors()) return firstLine(options.getError().asUTF8());
     remaining.clear();
     options.remaining(remaining);
-    if (!result) {
+    if (result)
+      given.push_back(store(options, result, arguments));
+    else
       onlyWords = true;
-      continue;
-    }
-    const std::string name = options.getResultName(result).asChar();
-    if (!allows(*command, name)) return problem = arguments.command + " takes no -" + name, std::nullopt;
-    store(options, result, arguments);
   }
+  const auto isEmpty = [](const std::optional<std::string>& directory) {
+    return directory && directory->empty();
+  };
+  return isEmpty(arguments.from) || isEmpty(arguments.into) ? "\"\" names no directory" : "";
+}
+
+} // namespace
+
+std::optional<Arguments> readArguments(int count, char** words, std::string& problem) {
+  Arguments arguments;
+  std::vector<std::string> given;
+  problem = sortWords(count, words, arguments, given);
+  if (!problem.empty()) return std::nullopt;
+  if (arguments.words.empty()) return problem = "no command", std::nullopt;
+  arguments.command = arguments.words.front();
+  arguments.words.erase(arguments.words.begin());
+  const auto command = std::find_if(std::begin(commands), std::end(commands),
+                                    [&](const Command& c) { return arguments.command == c.name; });
+  if (command == std::end(commands)) return problem = "unknown command: " + arguments.command, std::nullopt;
+  for (const std::string& name : given)
+    if (!allows(*command, name)) return problem = arguments.command + " takes no -" + name, std::nullopt;
   if (arguments.words.size() < command->fewestWords || arguments.words.size() > command->mostWords)
     return problem = arguments.command + ": wrong number of words", std::nullopt;
   return arguments;

@@ -7,9 +7,11 @@
 #include "Base/OS/qvOSFileOperations.h"
 #include "Base/OS/qvOSFilename.h"
 #include "Base/OS/qvOSProtectedWrite.h"
-#include "Base/OS/qvOSTemporary.h"
 
-#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <thread>
 
 namespace fs = std::filesystem;
 using qvOS::Filename;
@@ -17,30 +19,63 @@ using qvString::IString;
 
 namespace {
 
-/// A file name in the temporary directory; a file of that name is removed at the end.
-class ScratchFile {
+/// An empty file of that name as long as the object lives.
+class EmptyFile {
 public:
-  ScratchFile() : name_(qvOS::createTmpFilename(IString("scratch"), nullptr)) {}
-  ~ScratchFile() {
+  explicit EmptyFile(const IString& name) : path_(toNative(name)), good_(makeEmptyFile(path_)) {}
+  ~EmptyFile() {
     std::error_code ignored;
-    fs::remove(filePath(toNative(name_.name())), ignored);
+    fs::remove(filePath(path_), ignored);
   }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-  [[nodiscard]] const IString& name() const { return name_.name(); }
+  EmptyFile(const EmptyFile&) = delete;
+  EmptyFile& operator=(const EmptyFile&) = delete;
+  [[nodiscard]] bool good() const { return good_; }
+
+  /// What the user's mask gives to a new file; nothing where there is none.
+  [[nodiscard]] std::optional<fs::perms> permissions() const {
+    std::error_code error;
+    const fs::perms permissions = fs::status(filePath(path_), error).permissions();
+    return good_ && !error ? std::optional(permissions) : std::nullopt;
+  }
 
 private:
-  Filename name_;
+  std::string path_;
+  bool good_;
 };
 
-/// The permissions that the user's mask gives to a new file.
-fs::perms permissionsOfNewFiles() {
-  const ScratchFile probe;
-  const std::string path = toNative(probe.name());
+/// Shows on a bar how a file grows to `size` while another thread writes it.
+class GrowthWatch {
+public:
+  GrowthWatch(const char* label, const std::string& path, std::int64_t size)
+      : bar_(label, size), path_(path) {
+    if (bar_.isVisible()) thread_ = std::thread([this] { watch(); });
+  }
+  ~GrowthWatch() {
+    done_ = true;
+    if (thread_.joinable()) thread_.join();
+  }
+  GrowthWatch(const GrowthWatch&) = delete;
+  GrowthWatch& operator=(const GrowthWatch&) = delete;
+
+private:
+  void watch() {
+    for (; !done_; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {
+      std::error_code error;
+      const std::uintmax_t size = fs::file_size(filePath(path_), error);
+      if (!error) bar_.show(static_cast<std::int64_t>(size));
+    }
+  }
+
+  Progress bar_;
+  std::string path_;
+  std::atomic<bool> done_ = false;
+  std::thread thread_;
+};
+
+std::int64_t sizeOf(const std::string& path) {
   std::error_code error;
-  const bool made = makeEmptyFile(path);
-  const fs::perms permissions = fs::status(filePath(path), error).permissions();
-  return made && !error ? permissions : fs::perms::owner_read | fs::perms::owner_write;
+  const std::uintmax_t size = fs::file_size(filePath(path), error);
+  return error ? 0 : static_cast<std::int64_t>(size);
 }
 
 std::string reason(const qvUtil::Error& error) {
@@ -50,7 +85,6 @@ std::string reason(const qvUtil::Error& error) {
   case 7:
     return "it cannot be read, or is 2 GiB or larger";
   case 8:
-  case 16:
     return "it changed its size while it was read";
   case 9:
     return "it could not be read to its end";
@@ -64,6 +98,8 @@ std::string reason(const qvUtil::Error& error) {
     return "there is no such entry";
   case 15:
     return "the package could not be written";
+  case 16: // also where the disk was full before the file's end
+    return "it changed its size while it was read, or the disk is full";
   default:
     break;
   }
@@ -72,19 +108,16 @@ std::string reason(const qvUtil::Error& error) {
   return text;
 }
 
-/// True for a failure that may have taken the old entry of that name away.
-bool mayHaveLostEntry(const qvUtil::Error& error) {
-  return error.num() == 9 || error.num() == 10 || error.num() >= 15;
-}
-
 /// Marks the directory as changed, by an empty entry that comes and goes: a package that only filled an exact
 /// hole, or that holds nothing, would not write it.
 bool touchDirectory(ioPackageFile& package) {
-  const ScratchFile empty;
-  if (!makeEmptyFile(toNative(empty.name()))) return false;
+  IString emptyName = package.getPackageFileName();
+  emptyName.append(IString(".empty"));
+  const EmptyFile empty(emptyName);
+  if (!empty.good()) return false;
   IString name("qvpackage");
   while (package.getEntry(name)) name.append(IString("-"));
-  return !package.addEntry(empty.name(), name, false) && !package.deleteEntry(name);
+  return !package.addEntry(emptyName, name, false) && !package.deleteEntry(name);
 }
 
 /// Writes the directory and makes sure that what is on the disk is what is in memory.
@@ -106,10 +139,19 @@ bool finish(ioPackageFile& package) {
   return touchDirectory(package) && !package.update() && isOnDisk();
 }
 
+/// What `path` leads to, where it is a link.
+std::string followed(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_symlink(fs::symlink_status(filePath(path), error))) return path;
+  const std::u8string target = fs::canonical(filePath(path), error).u8string();
+  return error ? path : std::string(reinterpret_cast<const char*>(target.data()), target.size());
+}
+
 /// A package that is changed in a copy beside it, and takes its place at the end.
 class SafeChange {
 public:
-  explicit SafeChange(const std::string& package) : path_(package), save_(Filename(fromNative(package))) {
+  explicit SafeChange(const std::string& package)
+      : path_(package), save_(Filename(fromNative(followed(package)))) {
     if (save_.init()) return;
     fail(path_, "it cannot be written");
     good_ = false;
@@ -117,14 +159,18 @@ public:
 
   [[nodiscard]] bool good() const { return good_; }
   [[nodiscard]] const IString& workName() const { return save_.getTempFilename().name(); }
+  [[nodiscard]] std::string workPath() const { return toNative(workName()); }
 
   /// Copies the package to the work file. False, and reported, where it cannot be.
   [[nodiscard]] bool beginWithCopy() {
     std::error_code error;
     if (!fs::is_regular_file(filePath(path_), error)) return giveUp("there is no such package");
-    if (qvOS::fileCopy(save_.getMainFilename(), save_.getTempFilename(), false))
-      return giveUp("a copy of it could not be written");
-    return true;
+    qvUtil::Error failure;
+    {
+      const GrowthWatch watch("copying", workPath(), sizeOf(path_));
+      failure = qvOS::fileCopy(save_.getMainFilename(), save_.getTempFilename(), false);
+    }
+    return !failure || giveUp("a copy of it could not be written");
   }
 
   /// Puts the work file into place.
@@ -155,22 +201,20 @@ bool openWork(SafeChange& change, ioPackageFile& package) {
 
 /// Adds the sources. @return how many were added, or nothing where the change must be given up.
 std::optional<std::size_t> addSources(ioPackageFile& package, SafeChange& change,
-                                      const Arguments& arguments) {
-  const std::string& target = arguments.words[0];
-  const std::vector<std::string> paths(arguments.words.begin() + 1, arguments.words.end());
-  const std::vector<Source> sources = collect(paths, arguments.from, target);
-  Progress progress("storing", sources.size());
+                                      const std::vector<Source>& sources, bool compress) {
+  Progress progress("storing", static_cast<std::int64_t>(sources.size()));
   std::size_t added = 0;
   for (const Source& source : sources) {
     const bool replaces = package.getEntry(source.name) != nullptr;
-    const qvUtil::Error error = package.addEntry(fromNative(source.path), source.name, arguments.compress);
-    progress.step();
+    const qvUtil::Error error = package.addEntry(fromNative(source.path), source.name, compress);
+    progress.advance(1);
     if (!error) {
       ++added;
       continue;
     }
     fail(source.path, reason(error));
-    if ((replaces && mayHaveLostEntry(error)) || error.num() == 15)
+    const bool lostEntry = replaces && !package.getEntry(source.name);
+    if (lostEntry || error.num() == 10 || error.num() == 15)
       return change.giveUp("left as it was"), std::nullopt;
   }
   return added;
@@ -185,9 +229,9 @@ void finishAndCommit(ioPackageFile& package, SafeChange& change) {
   change.commit();
 }
 
-bool exists(const std::string& path) {
-  std::error_code error;
-  return fs::symlink_status(filePath(path), error).type() != fs::file_type::not_found;
+std::vector<Source> sourcesOf(const Arguments& arguments) {
+  const std::vector<std::string> paths(arguments.words.begin() + 1, arguments.words.end());
+  return collect(paths, arguments.from, arguments.words[0]);
 }
 
 } // namespace
@@ -195,21 +239,26 @@ bool exists(const std::string& path) {
 void createPackage(const Arguments& arguments) {
   const std::string& target = arguments.words[0];
   if (exists(target)) return fail(target, "it exists already");
-  const fs::perms permissions = permissionsOfNewFiles();
+  // Before there is a file to work on, which might lie below one of the paths.
+  const std::vector<Source> sources = sourcesOf(arguments);
   SafeChange change(target);
+  if (!change.good()) return;
+  const std::optional<fs::perms> permissions = EmptyFile(change.workName()).permissions();
+  if (!permissions) return fail(target, "it cannot be created");
   ioPackageFile package;
-  if (!openWork(change, package) || !addSources(package, change, arguments)) return;
+  if (!openWork(change, package) || !addSources(package, change, sources, arguments.compress)) return;
   std::error_code ignored;
-  fs::permissions(filePath(toNative(change.workName())), permissions, ignored);
+  fs::permissions(filePath(change.workPath()), *permissions, ignored);
   finishAndCommit(package, change);
 }
 
 void addToPackage(const Arguments& arguments) {
+  const std::vector<Source> sources = sourcesOf(arguments);
   SafeChange change(arguments.words[0]);
   if (!change.good() || !change.beginWithCopy()) return;
   ioPackageFile package;
   if (!openWork(change, package)) return;
-  const std::optional<std::size_t> added = addSources(package, change, arguments);
+  const std::optional<std::size_t> added = addSources(package, change, sources, arguments.compress);
   if (added && *added > 0) finishAndCommit(package, change);
 }
 
@@ -220,7 +269,7 @@ void removeFromPackage(const Arguments& arguments) {
   if (!openWork(change, package)) return;
   bool removed = false;
   for (auto word = arguments.words.begin() + 1; word != arguments.words.end(); ++word) {
-    if (const qvUtil::Error error = package.deleteEntry(IString(word->c_str(), qvString::UTF8Encoding)))
+    if (const qvUtil::Error error = package.deleteEntry(namedBy(*word, package)))
       fail(*word, reason(error));
     else
       removed = true;
@@ -233,18 +282,25 @@ void compactPackage(const Arguments& arguments) {
   const std::string& target = arguments.words[1];
   std::error_code error;
   if (!fs::is_regular_file(filePath(source), error)) return fail(source, "there is no such package");
-  if (exists(target) && !fs::is_regular_file(filePath(target), error)) return fail(target, "this is no file");
-  const fs::perms permissions =
-      exists(target) ? fs::status(filePath(target), error).permissions() : permissionsOfNewFiles();
+  const bool replaces = exists(target);
+  if (replaces && !fs::is_regular_file(filePath(target), error)) return fail(target, "this is no file");
   ioPackageFile package;
   if (const qvUtil::Error failure = package.open(fromNative(source)))
     return fail(source, failure.num() == 17 ? "this is no package, or it is damaged" : reason(failure));
   SafeChange change(target);
   if (!change.good()) return;
-  if (const qvUtil::Error failure = package.write(change.workName())) {
+  std::optional<fs::perms> permissions = EmptyFile(change.workName()).permissions();
+  if (!permissions) return fail(target, "it cannot be created");
+  if (replaces) permissions = fs::status(filePath(target), error).permissions();
+  qvUtil::Error failure;
+  {
+    const GrowthWatch watch("copying", change.workPath(), sizeOf(source));
+    failure = package.write(change.workName());
+  }
+  if (failure) {
     change.giveUp(reason(failure));
     return;
   }
-  fs::permissions(filePath(toNative(change.workName())), permissions, error);
+  fs::permissions(filePath(change.workPath()), *permissions, error);
   finishAndCommit(package, change);
 }

@@ -3,6 +3,9 @@
 #include "change.h"
 #include "look.h"
 #include "report.h"
+#include "terminal.h"
+
+#include "Base/Utility/qvUtilError.h"
 
 #include <clocale>
 #include <cstdio>
@@ -26,16 +29,19 @@ void run(const Arguments& arguments) {
 
 int main(int argc, char** argv) {
   std::setlocale(LC_CTYPE, "");
+  prepareProcess();
   std::string problem;
   const std::optional<Arguments> arguments = readArguments(argc - 1, argv + 1, problem);
   if (!arguments) {
-    std::fprintf(stderr, "qvpackage: %s\n%s", problem.c_str(), usage);
+    std::fprintf(stderr, "qvpackage: %s\n%s", printable(problem).c_str(), usage);
     return 2;
   }
   try {
     run(*arguments);
   } catch (const std::exception& e) {
     fail(arguments->command, e.what());
+  } catch (const qvUtil::Error& e) {
+    fail(arguments->command, e.message());
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout)) fail("standard output", "it cannot be written");
   return exitStatus();

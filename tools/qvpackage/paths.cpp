@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -24,15 +25,18 @@ fs::path filePath(const std::string& native) {
 
 std::string nameText(const IString& name) { return name.asUTF8(); }
 
+IString namedBy(const std::string& word, const ioPackageFile& package) {
+  const IString name(word.c_str(), qvString::UTF8Encoding);
+  IString cleaned = fromNative(word);
+  ioPackageFile::cleanupName(cleaned);
+  return !package.getEntry(name) && package.getEntry(cleaned) ? cleaned : name;
+}
+
 namespace {
 
 std::string text(const fs::path& path) {
   const std::u8string bytes = path.u8string();
   return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
-
-std::string joined(const std::string& directory, const std::string& name) {
-  return text(filePath(directory) / filePath(name));
 }
 
 /// The names of a directory's entries, sorted.
@@ -45,69 +49,95 @@ std::vector<std::string> entriesOf(const std::string& directory) {
   return names;
 }
 
+/// `path` from the root on, without ".", ".." and doubled separators as far as the text tells.
+fs::path fromRoot(const fs::path& path) {
+  std::error_code ignored;
+  return fs::absolute(path, ignored).lexically_normal();
+}
+
+/// A path and what it is called relative to the directory of -from.
+struct Named {
+  fs::path path;
+  fs::path name;
+};
+
 class Collector {
 public:
-  Collector(const std::optional<std::string>& from, const std::string& package) : package_(package) {
-    std::error_code ignored;
-    if (from) base_ = fs::absolute(filePath(*from), ignored).lexically_normal();
+  Collector(const std::optional<std::string>& from, const std::string& package)
+      : package_(filePath(package)), packageExists_(exists(package)) {
+    if (from) base_ = fromRoot(filePath(*from));
   }
 
   /// A path from the command line: a link there is followed, since the user named it.
-  void addPath(const std::string& path) {
+  void addPath(const fs::path& path) {
+    const Named named{path, nameOf(path)};
     std::error_code error;
-    const fs::file_status status = fs::status(filePath(path), error);
-    if (!fs::exists(status)) return fail(path, "there is no such file");
-    if (fs::is_directory(status)) return addDirectory(path);
-    addFile(path, status);
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) return fail(text(path), "there is no such file");
+    if (fs::is_directory(status)) return addDirectory(named);
+    addFile(named, status);
   }
 
   std::vector<Source> sources;
 
 private:
-  void addDirectory(const std::string& path) {
-    std::vector<std::string> pending{path};
+  void addDirectory(const Named& top) {
+    std::vector<Named> pending{top};
     while (!pending.empty()) {
-      const std::string directory = pending.back();
+      const Named directory = std::move(pending.back());
       pending.pop_back();
-      std::vector<std::string> folders;
-      for (const std::string& name : entriesOf(directory)) addEntry(joined(directory, name), folders);
-      pending.insert(pending.end(), folders.rbegin(), folders.rend());
+      std::vector<Named> folders;
+      for (const std::string& name : entriesOf(text(directory.path)))
+        addEntry(inside(directory, filePath(name)), folders);
+      pending.insert(pending.end(), std::make_move_iterator(folders.rbegin()),
+                     std::make_move_iterator(folders.rend()));
     }
   }
 
-  void addEntry(const std::string& path, std::vector<std::string>& folders) {
-    std::error_code error;
-    const fs::file_status status = fs::status(filePath(path), error);
-    if (!fs::exists(status)) return fail(path, "the link leads nowhere");
-    if (!fs::is_directory(status)) return addFile(path, status);
-    if (!fs::is_symlink(fs::symlink_status(filePath(path), error))) folders.push_back(path);
+  [[nodiscard]] Named inside(const Named& directory, const fs::path& name) const {
+    const fs::path path = directory.path / name;
+    if (directory.name == ".") return {path, name};
+    // On the way from above the base to it, what lies in the base is found anew.
+    const bool isOutside = !base_.empty() && directory.name.begin()->native() == fs::path("..").native();
+    return {path, isOutside ? nameOf(path) : directory.name / name};
   }
 
-  void addFile(const std::string& path, const fs::file_status& status) {
+  void addEntry(const Named& entry, std::vector<Named>& folders) {
     std::error_code error;
+    const fs::file_status status = fs::status(entry.path, error);
+    if (fs::is_directory(status)) {
+      if (!fs::is_symlink(fs::symlink_status(entry.path, error))) folders.push_back(entry);
+    } else if (fs::exists(status)) {
+      addFile(entry, status);
+    } else {
+      const bool isLink = fs::is_symlink(fs::symlink_status(entry.path, error));
+      fail(text(entry.path), isLink ? "the link leads nowhere" : "it cannot be looked at");
+    }
+  }
+
+  void addFile(const Named& file, const fs::file_status& status) {
+    std::error_code error;
+    const std::string path = text(file.path);
     if (!fs::is_regular_file(status)) return fail(path, "this is no file");
-    if (fs::equivalent(filePath(path), filePath(package_), error))
+    if (packageExists_ && fs::equivalent(file.path, package_, error))
       return fail(path, "this is the package itself");
-    const std::string wanted = entryName(path);
-    if (wanted.empty()) return fail(path, "this lies outside the directory of -from");
+    if (!base_.empty() && (file.name.empty() || *file.name.begin() == ".."))
+      return fail(path, "this lies outside the directory of -from");
+    const std::string wanted = text(file.name);
     IString name = fromNative(wanted);
     ioPackageFile::cleanupName(name);
     if (!isExact(name, wanted)) return fail(path, "a package cannot hold this name exactly");
-    const std::string key = nameText(name);
-    const std::string where = text(fs::absolute(filePath(path), error).lexically_normal());
-    const auto [taken, isNew] = taken_.emplace(key, where);
+    const auto [taken, isNew] = taken_.emplace(nameText(name), sources.size());
     if (isNew) return sources.push_back({path, name});
-    if (taken->second != where) fail(path, "its name in the package is taken: " + key);
+    if (fromRoot(filePath(sources[taken->second].path)) != fromRoot(file.path))
+      fail(path, "its name in the package is taken: " + taken->first);
   }
 
-  /// The name that the path asks for, with the platform's own separators; empty for one outside the base.
-  [[nodiscard]] std::string entryName(const std::string& path) const {
-    if (base_.empty()) return text(filePath(path).lexically_normal());
-    std::error_code ignored;
-    const fs::path relative =
-        fs::absolute(filePath(path), ignored).lexically_normal().lexically_relative(base_);
-    if (relative.empty() || relative == "." || *relative.begin() == "..") return {};
-    return text(relative);
+  /// The name that a path has; it begins with ".." outside the base.
+  [[nodiscard]] fs::path nameOf(const fs::path& path) const {
+    fs::path name = base_.empty() ? path.lexically_normal() : fromRoot(path).lexically_relative(base_);
+    // A separator at the end says that this is a directory, and is no part of the name.
+    return name.has_filename() || !name.has_relative_path() ? name : name.parent_path();
   }
 
   /// True where the cleaned name still says what was wanted, apart from leading separators, "..", drive
@@ -123,9 +153,10 @@ private:
            expected.compare(expected.size() - got.size(), got.size(), got) == 0;
   }
 
-  const std::string& package_;
+  fs::path package_;
+  bool packageExists_;
   fs::path base_;
-  std::map<std::string, std::string> taken_;
+  std::map<std::string, std::size_t> taken_; // names, and where in `sources` they stand
 };
 
 } // namespace
@@ -133,7 +164,7 @@ private:
 std::vector<Source> collect(const std::vector<std::string>& paths, const std::optional<std::string>& from,
                             const std::string& package) {
   Collector collector(from, package);
-  for (const std::string& path : paths) collector.addPath(path);
+  for (const std::string& path : paths) collector.addPath(filePath(path));
   return std::move(collector.sources);
 }
 
@@ -146,6 +177,11 @@ bool staysInside(const IString& name) {
     if (path.compare(begin, end - begin, "..") == 0) return false;
   }
   return true;
+}
+
+bool exists(const std::string& path) {
+  std::error_code error;
+  return fs::symlink_status(filePath(path), error).type() != fs::file_type::not_found;
 }
 
 bool makeEmptyFile(const std::string& path) {

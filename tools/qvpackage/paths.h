@@ -8,12 +8,18 @@
 #include <string>
 #include <vector>
 
+class ioPackageFile;
+
 [[nodiscard]] qvString::IString fromNative(const std::string& path);
 [[nodiscard]] std::string toNative(const qvString::IString& path);
 [[nodiscard]] std::filesystem::path filePath(const std::string& native);
 
 /// The name of an entry as it is printed.
 [[nodiscard]] std::string nameText(const qvString::IString& name);
+
+/// The name of the entry that a word of the command line means: the word itself, or what a package makes of
+/// it as a path.
+[[nodiscard]] qvString::IString namedBy(const std::string& word, const ioPackageFile& package);
 
 /// A file to be stored.
 struct Source {
@@ -31,6 +37,9 @@ struct Source {
 /// True where an entry of this name may be written below a target directory: no drive letter, no leading
 /// separator and no "..".
 [[nodiscard]] bool staysInside(const qvString::IString& name);
+
+/// Whether there is anything of that name, a link that leads nowhere included.
+[[nodiscard]] bool exists(const std::string& path);
 
 /// Makes an empty file with the permissions that the user's mask gives, or empties the one that is there.
 [[nodiscard]] bool makeEmptyFile(const std::string& path);

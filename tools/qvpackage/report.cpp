@@ -4,6 +4,7 @@
 
 #include "Base/String/qvStringIString.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 
@@ -22,27 +23,47 @@ void wipeBar() {
 void fail(const std::string& subject, const std::string& reason) {
   wipeBar();
   failed = true;
-  std::fprintf(stderr, "qvpackage: %s: %s\n", subject.c_str(), reason.c_str());
+  std::fprintf(stderr, "qvpackage: %s: %s\n", printable(subject).c_str(), printable(reason).c_str());
 }
 
 int exitStatus() { return failed ? 1 : 0; }
 
-Progress::Progress(const char* label, std::size_t total)
-    : label_(label), total_(total), visible_(errorsGoToTerminal()) {}
+Progress::Progress(const char* label, std::int64_t total)
+    : label_(label), total_(total), visible_(total > 0 && errorsGoToTerminal()) {
+  show(0);
+}
 
 Progress::~Progress() { wipeBar(); }
 
-void Progress::step() {
-  ++done_;
-  if (!visible_ || total_ == 0) return;
-  const int percent = static_cast<int>(100 * done_ / total_);
+void Progress::show(std::int64_t done) {
+  done_ = done;
+  if (!visible_) return;
+  const auto percent = static_cast<std::int64_t>(100.0 * static_cast<double>(std::min(done_, total_)) /
+                                                 static_cast<double>(total_));
   if (percent == shown_) return;
   shown_ = percent;
   constexpr int width = 40;
-  const std::string bar(static_cast<std::size_t>(percent) * width / 100, '#');
-  std::fprintf(stderr, "\r%s [%-*s] %3d%%", label_, width, bar.c_str(), percent);
+  const std::string bar(static_cast<std::size_t>(percent * width / 100), '#');
+  std::fprintf(stderr, "\r%s [%-*s] %3d%%", label_, width, bar.c_str(), static_cast<int>(percent));
   std::fflush(stderr);
   barOnScreen = true;
+}
+
+std::string printable(const std::string& text) {
+  const auto byteAt = [&](std::size_t i) {
+    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+  };
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const unsigned byte = byteAt(i);
+    // Past ASCII, control characters are 0xC2 and a byte of 0x80 to 0x9F.
+    const unsigned second = byte == 0xC2 ? byteAt(i + 1) : i > 0 && byteAt(i - 1) == 0xC2 ? byte : 0;
+    const bool isControl = byte < 0x20 || byte == 0x7F || (second >= 0x80 && second < 0xA0);
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\x%02x", byte);
+    out += isControl ? std::string(escape) : std::string(1, text[i]);
+  }
+  return out;
 }
 
 std::string jsonString(const std::string& text) {

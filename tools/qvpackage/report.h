@@ -11,22 +11,29 @@ void fail(const std::string& subject, const std::string& reason);
 /// 1 where something failed, otherwise 0.
 [[nodiscard]] int exitStatus();
 
-/// A bar on standard error, where that is a terminal, for work of `total` steps.
+/// A bar on standard error, where that is a terminal, for work of `total` units.
 class Progress {
 public:
-  Progress(const char* label, std::size_t total);
+  Progress(const char* label, std::int64_t total);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
-  void step();
+  void advance(std::int64_t units) { show(done_ + units); }
+  /// Tells how much is done in all.
+  void show(std::int64_t done);
+  [[nodiscard]] bool isVisible() const { return visible_; }
 
 private:
   const char* label_;
-  std::size_t total_;
-  std::size_t done_ = 0;
-  int shown_ = -1;
+  std::int64_t total_;
+  std::int64_t done_ = 0;
+  std::int64_t shown_ = -1;
   bool visible_;
 };
+
+/// `text` for a person to read: control characters, which could end the line or rule the terminal, are
+/// written as in "\x0a".
+[[nodiscard]] std::string printable(const std::string& text);
 
 /// `text` as a JSON string, quotes included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string jsonString(const std::string& text);

@@ -1,5 +1,9 @@
-// What the tool needs to know of the terminal.
+// What the tool asks of the terminal and of the process it runs in.
 #pragma once
 
-/// True where standard error is a terminal that a person looks at.
+/// Whether standard error is a terminal.
 [[nodiscard]] bool errorsGoToTerminal();
+
+/// Makes a write past a limit on file sizes a failure of that write and not the end of the process, and sees
+/// to it that no file takes the place of a standard stream that was closed.
+void prepareProcess();

@@ -1,5 +1,15 @@
 #include "terminal.h"
 
+#include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 
 bool errorsGoToTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+void prepareProcess() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  int descriptor = 0;
+  do descriptor = open("/dev/null", O_RDONLY);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+  if (descriptor >= 0) close(descriptor);
+}

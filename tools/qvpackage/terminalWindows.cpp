@@ -3,3 +3,5 @@
 #include <io.h>
 
 bool errorsGoToTerminal() { return _isatty(2) != 0; }
+
+void prepareProcess() {}

@@ -1,7 +1,6 @@
 #include "Base/IO/ioBufferFileSubset.h"
 
-#include "Base/OS/qvOSFile.h"
-#include "Base/OS/qvOSFileStatus.h"
+#include "Base/IO/ioBufferedStream.h"
 #include "Base/String/qvStringIString.h"
 
 #include <algorithm>
@@ -28,10 +27,10 @@ void ioBufferFileSubset::openSlice(const qvString::IString& name, std::int64_t s
   sliceSize_ = size;
   setStatus(file_.getStatus());
   if (!good()) return;
-  qvOS::FileStatus status;
-  if (qvOS::File::query(name, status))
+  const std::int64_t fileSize = ioBufferedStream::fileSize(name);
+  if (fileSize < 0)
     setStatus(ioBufferFailed);
-  else if (status.getSize() < saturatedSum(start, size))
+  else if (fileSize < saturatedSum(start, size))
     setStatus(ioBufferAtEnd);
   if (good()) seekLink(0);
 }
