@@ -298,7 +298,7 @@ void compactPackage(const Arguments& arguments) {
     failure = package.write(change.workName());
   }
   if (failure) {
-    change.giveUp(reason(failure));
+    change.giveUp(failure.num() == 16 ? "it could not be written; the disk may be full" : reason(failure));
     return;
   }
   fs::permissions(filePath(change.workPath()), *permissions, error);

@@ -605,6 +605,7 @@ Error ioPackageFile::copyBytes(ioBufferedStreamInput& input, std::int64_t offset
   output_.flush();
   if (!input.good() && input.getStatus() != ioStreamAtEnd)
     return failure(9, QV_W("Error reading file for entry: %S"), name);
+  // So does a copy that stopped before the input's end because the disk was full.
   if (input.good() || total != size)
     return failure(16, QV_W("While writing file for entry it changed size: %S"), name);
   if (!output_.good()) return failure(10, QV_W("Error writing entry: %S"), name);

@@ -401,6 +401,39 @@ TEST_F(PackageFile, FailuresHaveTheirCodesAndTexts) {
   EXPECT_EQ(package.getEntry(100), nullptr);
 }
 
+TEST_F(PackageFile, APackageThatCannotBeWrittenSaysSo) {
+  ioPackageFile package;
+  open(package);
+  ASSERT_FALSE(add(package, "a", "one"));
+  ASSERT_FALSE(package.update());
+  package.close();
+  const IString a("a");
+  const std::string file = path("p.package");
+  {
+    qvTest::PlatformScript script;
+    script.failCall(0, EACCES, "open", 1000);
+    EXPECT_EQ(package.deleteEntry(a).num(), 0);
+    EXPECT_EQ(package.update().message(), "Could not open package for write: " + file);
+    EXPECT_EQ(package.addEntry(wide(path("source")), a, true).message(),
+              "Error reading file: " + path("source"));
+    EXPECT_EQ(package.addEntry(wide(path("source")), a, false).message(),
+              "Could not read file: " + path("source") + "\n");
+    EXPECT_EQ(package.open(wide(file)).message(), "Could not read the package file: " + file);
+    EXPECT_EQ(package.open(wide(path("new"))).message(), "Can not create file: " + path("new"));
+  }
+  {
+    qvTest::PlatformScript script;
+    script.failCall(0, EACCES, "access", 1000);
+    open(package);
+  }
+  const char* const text = "This package file can not be modified as it is not writable.";
+  EXPECT_STREQ(package.addEntry(wide(path("source")), a, false).message(), text);
+  EXPECT_STREQ(package.deleteEntry(a).message(), text);
+  EXPECT_EQ(package.deleteEntry(a).num(), 4);
+  EXPECT_STREQ(package.update().message(), "The package file is not writable.");
+  EXPECT_EQ(contentOf(package.getEntry(a)), "one");
+}
+
 TEST_F(PackageFile, AnUnwrittenDirectoryIsNoPackage) {
   ioPackageFile package;
   open(package);
@@ -448,6 +481,11 @@ TEST_F(PackageFile, AFailedCopyFreesTheRegionAndLeavesAStaleIndex) {
   EXPECT_EQ(package.size(), 2);
   EXPECT_EQ(package.getEntry(IString("a")), nullptr);
   EXPECT_EQ(contentOf(package.getEntry(IString("b"))), "bbb");
+  {
+    qvTest::PlatformScript script;
+    script.failCall(0, ENOSPC, "write", 1000);
+    EXPECT_EQ(add(package, "large", std::string(600000, 'c')).num(), 16); // the disk is full before its end
+  }
   // The package stays usable.
   ASSERT_FALSE(add(package, "c", "ccc"));
   ASSERT_FALSE(package.update());
