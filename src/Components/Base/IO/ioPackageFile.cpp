@@ -1,6 +1,7 @@
 #include "Base/IO/ioPackageFile.h"
 
 #include "Base/IO/ioBufferedStream.h"
+#include "Base/IO/ioHeader.h"
 #include "Base/IO/ioPackageIO.h"
 #include "Base/IO/ioPacketType.h"
 #include "Base/IO/ioReadContext.h"
@@ -66,12 +67,9 @@ public:
 using Input = Closing<ioBufferedStreamInput>;
 using Output = Closing<ioBufferedStreamOutput>;
 
-/// Passes over a stream header as its reader does, to make sure that it ends before the data does: the
-/// header's own reader waits for its end.
-bool headerIsComplete(const IString& name, std::int64_t offset) {
-  Input input;
-  input.openFile(name);
-  if (!input.good() || !input.seek(offset)) return false;
+/// Passes over the header of a packet file as its reader does, to make sure that it ends before the data
+/// does: the header's own reader waits for its end.
+bool headerIsComplete(ioBufferedStreamInput& input) {
   constexpr int markerSize = 3;
   constexpr int numbers = 11;
   for (int i = 0; i < markerSize; ++i) (void)input.readChar();
@@ -79,6 +77,14 @@ bool headerIsComplete(const IString& name, std::int64_t offset) {
   while (input.good())
     if (input.readChar() == '@') break;
   return input.good();
+}
+
+/// True where a packet file of the method of directories begins at `offset`. Other methods are damage: the
+/// reader of one stops the program at a wrong tag. The stream stands at `offset` afterwards.
+bool directoryBegins(ioBufferedStreamInput& input, std::int64_t offset) {
+  if (!headerIsComplete(input) || !input.seek(offset)) return false;
+  ioHeader header;
+  return header.readHeader(input) && header.method == ioWriteBinary && input.seek(offset);
 }
 
 enum class CopyResult { done, readFailed, writeFailed };
@@ -406,7 +412,7 @@ Error ioPackageFile::readDirectoryPackets(std::int64_t offset) {
   if (input.good()) input.seek(offset);
   if (!input.good()) return failure(17, QV_W("Can not open directory: %S"), packageName_);
   const Error damaged = failure(17, QV_W("Error reading directory: %S"), packageName_);
-  if (!headerIsComplete(packageName_, offset)) return damaged;
+  if (!directoryBegins(input, offset)) return damaged;
 
   ioPackageIO::PackageRegistry registry(true);
   const std::unique_ptr<ioReadContext> context(ioReadContextAlloc(input, &registry));

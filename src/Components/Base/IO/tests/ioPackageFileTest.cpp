@@ -188,6 +188,7 @@ struct HandMade {
   const char* firstByte = "\x8F";
   const char* endOfHeader = "@\n";
   std::int64_t directory = handDirectory;
+  ioWriteMethod method = ioWriteBinary;
 };
 
 void writeByHand(const std::string& path, const HandMade& made) {
@@ -203,7 +204,7 @@ void writeByHand(const std::string& path, const HandMade& made) {
   stream.openFile(wide(path));
   stream.seek(made.directory);
   EntryRegistry registry;
-  const std::unique_ptr<ioWriteContext> out(ioWriteContextAlloc(stream, ioWriteBinary, &registry));
+  const std::unique_ptr<ioWriteContext> out(ioWriteContextAlloc(stream, made.method, &registry));
   out->startFile();
   for (std::size_t i = 0; i < made.records.size(); ++i) {
     const Record& record = made.records[i];
@@ -519,6 +520,7 @@ TEST_F(PackageFile, HostileDirectoriesAreDamage) {
       {__LINE__, {{{"a", 85, 10}, end}, 0}, 17},
       {__LINE__, {{{"a", 85, 10}, end}, -1, true}, 17},
       {__LINE__, {{{".", 63, -1}}, -1, false, "\x8F", "@\n", 63}, 17}, // inside the pointer to it
+      {__LINE__, {{end}, -1, false, "\x8F", "@\n", handDirectory, ioWriteBinaryDebug}, 17},
   };
   for (const auto& row : rows) {
     writeByHand(path("p.package"), row.made);
