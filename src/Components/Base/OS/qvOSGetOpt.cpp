@@ -1,13 +1,11 @@
 #include "Base/OS/qvOSGetOpt.h"
 
 #include "Base/OS/qvOSGetOptTable.h"
-#include "Base/OS/qvOSNativePath.h"
+#include "Base/OS/qvOSGetOptWords.h"
 #include "Base/Utility/qvUtilText.h"
 
 #include <algorithm>
 #include <initializer_list>
-#include <string_view>
-#include <vector>
 
 namespace qvOS {
 
@@ -24,29 +22,40 @@ struct GetOpt::result {
 
 namespace {
 
+using Word = GetOptWords::Word;
+
 constexpr qv::WChar dash = QV_W('-');
 
 bool isDigit(qv::WChar unit) noexcept { return unit >= QV_W('0') && unit <= QV_W('9'); }
 
-bool is(const IString& word, qv::WChar unit) { return word.length() == 1 && word[0] == unit; }
+bool is(Word word, qv::WChar unit) noexcept { return word.size() == 1 && word[0] == unit; }
 
-bool startsWithDash(const IString& word) { return word.length() > 0 && word[0] == dash; }
+bool startsWithDash(Word word) noexcept { return !word.empty() && word[0] == dash; }
 
-bool isOneOf(const IString& word, std::initializer_list<std::basic_string_view<qv::WChar>> texts) {
-  return std::find(texts.begin(), texts.end(), word.view()) != texts.end();
+bool isOneOf(Word word, std::initializer_list<Word> texts) {
+  return std::find(texts.begin(), texts.end(), word) != texts.end();
 }
 
 // Only the start is looked at: "12ab" is an integer.
-bool looksLikeInteger(const IString& word) {
-  const auto text = word.view();
-  return text.size() > 0 && (isDigit(text[0]) || (text.size() > 1 && text[0] == dash && isDigit(text[1])));
+bool looksLikeInteger(Word word) noexcept {
+  if (word.size() > 1 && word[0] == dash) word.remove_prefix(1);
+  return !word.empty() && isDigit(word[0]);
 }
 
-bool looksLikeFloat(const IString& word) {
-  auto text = word.view();
-  if (!text.empty() && text[0] == dash) text.remove_prefix(1);
-  if (text.size() >= 2 && text[0] == QV_W('.')) text.remove_prefix(1);
-  return !text.empty() && isDigit(text[0]);
+bool looksLikeFloat(Word word) noexcept {
+  if (startsWithDash(word)) word.remove_prefix(1);
+  if (word.size() >= 2 && word[0] == QV_W('.')) word.remove_prefix(1);
+  return !word.empty() && isDigit(word[0]);
+}
+
+const IString& emptyText() {
+  static const IString text;
+  return text;
+}
+
+const CString& emptyName() {
+  static const CString name;
+  return name;
 }
 
 } // namespace
@@ -62,8 +71,7 @@ public:
   bool needDash = true;
   GetOptTable table;
   IString errorText;
-  qv::vector<IString> words;
-  int next = 0; // the first of `words` that is not read
+  GetOptWords words;
   GetOpt::result current;
 
   const GetOpt::result* read();
@@ -72,7 +80,6 @@ public:
 private:
   using Validator = Error (GetOpt::*)(const IString&);
 
-  [[nodiscard]] bool hasWord() const noexcept { return next < words.size(); }
   template <class... Args>
   void fail(const char* format, Args... args) {
     hasError = true;
@@ -80,12 +87,12 @@ private:
   }
   [[nodiscard]] const char* name() const { return current.option->name.asChar(); }
 
-  bool findOption();
+  bool readOption();
   void readArguments();
   void readArgument(ArgumentKind kind);
-  void take() { current.arguments.emplace_back() = std::move(words[next++]); }
+  void store(Word word) { current.arguments.emplace_back().assign(word.data()); }
   void readBool();
-  void readMatching(bool (*matches)(const IString&), const char* format);
+  void readMatching(bool (*matches)(Word) noexcept, const char* format);
   void readFile(bool dashIsStream, bool dashIsName, Validator validator, const char* label);
   void readSequence();
 };
@@ -95,34 +102,33 @@ const GetOpt::result* GetOptImpl::read() {
   current.arguments.clear();
   if (hasError || atEnd) return nullptr;
   errorText.erase();
-  if (!hasWord() || !findOption()) return nullptr;
+  if (words.empty() || !readOption()) return nullptr;
   readArguments();
   return hasError ? nullptr : &current;
 }
 
 // Takes one word. False at the end of the options, and on an error.
-bool GetOptImpl::findOption() {
-  const IString& typed = words[next++];
-  const bool dashed = startsWithDash(typed);
-  if (!typed.isEmpty() && !dashed && needDash) {
+bool GetOptImpl::readOption() {
+  const Word typed = words.take();
+  Word rest = typed;
+  if (startsWithDash(rest)) {
+    rest.remove_prefix(1);
+  } else if (!typed.empty() && needDash) {
     if (is(typed, QV_W('[')) || is(typed, QV_W(']')))
       fail("%C encountered outside of a sequence.", typed[0]);
     else
-      fail("Malformed option: no leading dash: %S", typed.asWChar());
+      fail("Malformed option: no leading dash: %S", typed.data());
     return false;
   }
-  unsigned int skip = dashed ? 1 : 0;
-  if (typed.length() == skip) {
-    fail("Malformed option: no option specified: %S", typed.asWChar());
+  if (rest.empty()) {
+    fail("Malformed option: no option specified: %S", typed.data());
     return false;
   }
-  if (typed[skip] == dash) {
-    ++skip;
-    atEnd = typed.length() == skip;
-    if (atEnd) return false;
-  }
-  current.option = table.find(typed, skip);
-  if (!current.option) fail("Option does not exist or is ambiguous: %S", typed.asWChar());
+  if (startsWithDash(rest)) rest.remove_prefix(1);
+  atEnd = rest.empty();
+  if (atEnd) return false;
+  current.option = table.find(rest);
+  if (!current.option) fail("Option does not exist or is ambiguous: %S", typed.data());
   return current.option != nullptr;
 }
 
@@ -130,18 +136,19 @@ void GetOptImpl::readArguments() {
   bool optional = false;
   for (const ArgumentKind kind : current.option->kinds) {
     if (kind == ArgumentKind::optional) optional = true;
-    if (!hasWord()) {
+    if (words.empty()) {
       if (!optional)
         fail("Insufficient arguments when processing option: %s\nUsage:\n%S", name(),
              owner->getOptionUsage(current.option, false).asWChar());
       return;
     }
-    if (optional && (startsWithDash(words[next]) || is(words[next], QV_W('.')))) return;
+    if (optional && (startsWithDash(words.front()) || is(words.front(), QV_W('.')))) return;
     readArgument(kind);
     if (hasError) return;
   }
 }
 
+// Takes one word, or a sequence of them, whether it is right or not.
 void GetOptImpl::readArgument(ArgumentKind kind) {
   switch (kind) {
   case ArgumentKind::boolean:
@@ -152,7 +159,7 @@ void GetOptImpl::readArgument(ArgumentKind kind) {
     return readMatching(looksLikeFloat,
                         "While processing option: -%s\n  Expected a floating point value, got: %S");
   case ArgumentKind::string:
-    return take();
+    return store(words.take());
   case ArgumentKind::inputFile:
     return readFile(false, false, &GetOpt::validInputFile, "InputFile");
   case ArgumentKind::inputFileOrDash:
@@ -173,49 +180,44 @@ void GetOptImpl::readArgument(ArgumentKind kind) {
 }
 
 void GetOptImpl::readBool() {
-  const IString& word = words[next++];
-  const bool off = isOneOf(word, {QV_W("0"), QV_W("false"), QV_W("no"), QV_W("off")});
-  const bool on = isOneOf(word, {QV_W("1"), QV_W("true"), QV_W("yes"), QV_W("on")});
-  if (off || on)
-    current.arguments.push_back(IString(on ? QV_W('1') : QV_W('0')));
-  else
-    fail("While processing option: -%s\n  Expected a boolean type, got: %S\n"
-         "    valid boolean types are: 1, 0, true,  false, yes, no, on, off.",
-         name(), word.asWChar());
+  const Word word = words.take();
+  if (isOneOf(word, {QV_W("0"), QV_W("false"), QV_W("no"), QV_W("off")})) return store(QV_W("0"));
+  if (isOneOf(word, {QV_W("1"), QV_W("true"), QV_W("yes"), QV_W("on")})) return store(QV_W("1"));
+  fail("While processing option: -%s\n  Expected a boolean type, got: %S\n"
+       "    valid boolean types are: 1, 0, true,  false, yes, no, on, off.",
+       name(), word.data());
 }
 
-void GetOptImpl::readMatching(bool (*matches)(const IString&), const char* format) {
-  if (matches(words[next]))
-    take();
+void GetOptImpl::readMatching(bool (*matches)(Word) noexcept, const char* format) {
+  const Word word = words.take();
+  if (matches(word))
+    store(word);
   else
-    fail(format, name(), words[next++].asWChar());
+    fail(format, name(), word.data());
 }
 
 void GetOptImpl::readFile(bool dashIsStream, bool dashIsName, Validator validator, const char* label) {
-  const bool isDash = is(words[next], dash);
-  Error error;
-  if (isDash && !dashIsStream && !dashIsName)
-    error = Error(1, "The filename \"-\" is not valid");
-  else if (!isDash || !dashIsStream)
-    error = (owner->*validator)(words[next]);
-  if (!error) return take();
-  ++next;
-  fail("While processing option: -%s  (%s)\n  %s", name(), label, error.message());
+  const Word word = words.take();
+  if (is(word, dash) && dashIsStream) return store(word);
+  IString file(word.data());
+  Error error =
+      is(word, dash) && !dashIsName ? Error(1, "The filename \"-\" is not valid") : (owner->*validator)(file);
+  if (error)
+    fail("While processing option: -%s  (%s)\n  %s", name(), label, error.message());
+  else
+    current.arguments.emplace_back() = std::move(file);
 }
 
 // Up to the bracket that closes the outermost one, to a dot, or to the last word. Inner brackets are kept.
 void GetOptImpl::readSequence() {
   int depth = 0;
-  while (hasWord()) {
-    const IString& word = words[next];
+  bool ended = false;
+  while (!ended && !words.empty()) {
+    const Word word = words.take();
     const bool opensOutermost = is(word, QV_W('[')) && depth++ == 0;
     const bool closesOutermost = is(word, QV_W(']')) && --depth == 0;
-    const bool ends = closesOutermost || is(word, QV_W('.'));
-    if (opensOutermost || ends)
-      ++next;
-    else
-      take();
-    if (ends) break;
+    ended = closesOutermost || is(word, QV_W('.'));
+    if (!opensOutermost && !ended) store(word);
   }
   if (depth < 0) fail("While processing option: -%s\n  Too many ']' characters", name());
 }
@@ -254,7 +256,7 @@ int GetOpt::findOption(const char* name) const {
   return getOptionIndex(impl_->table.names().find(std::string_view(name ? name : "")));
 }
 
-CString GetOpt::getOptionName(const option* which) const { return which ? which->name : CString(); }
+const CString& GetOpt::getOptionName(const option* which) const { return which ? which->name : emptyName(); }
 
 int GetOpt::getOptionIndex(const option* which) const { return which ? which->index : -1; }
 
@@ -297,20 +299,18 @@ void GetOpt::getSortedOptions(qv::vector<int>& indices) const {
 // ---- Reading ----
 
 void GetOpt::initialize(const qv::vector<IString>& words) {
-  impl_->words = words;
-  impl_->next = 0;
+  impl_->words.clear();
+  for (const IString& word : words) impl_->words.add(word.asWChar());
 }
 
 void GetOpt::initialize(int count, const qv::WChar* const* words) {
   impl_->words.clear();
-  impl_->next = 0;
-  for (int i = 0; i < count; ++i) impl_->words.push_back(IString(words[i]));
+  for (int i = 0; i < count; ++i) impl_->words.add(words[i] ? words[i] : QV_W(""));
 }
 
 void GetOpt::initialize(int count, const char* const* words) {
   impl_->words.clear();
-  impl_->next = 0;
-  for (int i = 0; i < count; ++i) impl_->words.push_back(fromNativePath(CString(words[i])));
+  for (int i = 0; i < count; ++i) impl_->words.addNative(words[i] ? words[i] : "");
 }
 
 const GetOpt::result* GetOpt::getOpt() { return impl_->read(); }
@@ -327,9 +327,7 @@ void GetOpt::resetError() { impl_->hasError = false; }
 
 void GetOpt::abort() { impl_->hasError = true; }
 
-void GetOpt::remaining(qv::vector<IString>& words) const {
-  words.assign(impl_->words.begin() + impl_->next, impl_->words.end());
-}
+void GetOpt::remaining(qv::vector<IString>& words) const { impl_->words.copyTo(words); }
 
 // ---- What was read ----
 
@@ -337,14 +335,16 @@ const GetOpt::option* GetOpt::getResultOption(const result* which) const {
   return which ? which->option : nullptr;
 }
 
-CString GetOpt::getResultName(const result* which) const { return getOptionName(getResultOption(which)); }
+const CString& GetOpt::getResultName(const result* which) const {
+  return getOptionName(getResultOption(which));
+}
 
 int GetOpt::getResultIndex(const result* which) const { return getOptionIndex(getResultOption(which)); }
 
 int GetOpt::getNumArguments(const result* which) const { return which ? which->arguments.size() : 0; }
 
-IString GetOpt::getResultArg(const result* which, int index) const {
-  return index >= 0 && index < getNumArguments(which) ? which->arguments[index] : IString();
+const IString& GetOpt::getResultArg(const result* which, int index) const {
+  return index >= 0 && index < getNumArguments(which) ? which->arguments[index] : emptyText();
 }
 
 void GetOpt::getResultArgs(const result* which, qv::vector<IString>& arguments) const {

@@ -68,7 +68,7 @@ public:
   [[nodiscard]] const option* getOption(int index) const;
   /// The index of the option that `name` names or shortens, or -1 where there is none or more than one.
   [[nodiscard]] int findOption(const char* name) const;
-  [[nodiscard]] qvString::CString getOptionName(const option* which) const;
+  [[nodiscard]] const qvString::CString& getOptionName(const option* which) const;
   /// -1 for null.
   [[nodiscard]] int getOptionIndex(const option* which) const;
   /// A line with the option's name and the kinds of its arguments.
@@ -107,10 +107,10 @@ public:
 
   [[nodiscard]] const option* getResultOption(const result* which) const;
   /// The option's name, in full.
-  [[nodiscard]] qvString::CString getResultName(const result* which) const;
+  [[nodiscard]] const qvString::CString& getResultName(const result* which) const;
   [[nodiscard]] int getResultIndex(const result* which) const;
   [[nodiscard]] int getNumArguments(const result* which) const;
-  [[nodiscard]] qvString::IString getResultArg(const result* which, int index) const;
+  [[nodiscard]] const qvString::IString& getResultArg(const result* which, int index) const;
   /// Replaces `arguments` by those of the result.
   void getResultArgs(const result* which, qv::vector<qvString::IString>& arguments) const;
 

@@ -119,9 +119,8 @@ GetOptTable::Option* GetOptTable::at(int index) const noexcept {
   return index >= 0 && index < size() ? options_[index].get() : nullptr;
 }
 
-// `word` without its first `skip` characters. ASCII, which nearly every name is, needs no conversion.
-const GetOptTable::Option* GetOptTable::find(const IString& word, unsigned int skip) const {
-  const std::basic_string_view<qv::WChar> name = word.view().substr(skip);
+// ASCII, which nearly every name is, needs no conversion.
+const GetOptTable::Option* GetOptTable::find(std::basic_string_view<qv::WChar> name) const {
   if (std::all_of(name.begin(), name.end(), [](qv::WChar unit) { return unit < 0x80; }))
     return names_.find(name);
   const IString text(name);

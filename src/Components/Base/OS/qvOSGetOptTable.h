@@ -84,7 +84,7 @@ public:
   int add(std::string_view names, const char* types);
   [[nodiscard]] int size() const noexcept { return static_cast<int>(options_.size()); }
   [[nodiscard]] Option* at(int index) const noexcept;
-  [[nodiscard]] const Option* find(const qvString::IString& word, unsigned int skip) const;
+  [[nodiscard]] const Option* find(std::basic_string_view<qv::WChar> name) const;
   [[nodiscard]] const GetOptNames& names() const noexcept { return names_; }
 
 private:
