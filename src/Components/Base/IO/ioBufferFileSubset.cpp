@@ -54,12 +54,12 @@ std::int64_t ioBufferFileSubset::tellLink() {
 int ioBufferFileSubset::readRaw(void* destination, int count) {
   if (!good()) return -1;
   slicePosition_ = std::max<std::int64_t>(slicePosition_, 0);
-  const int wanted = static_cast<int>(std::min<std::int64_t>(count, sliceSize_ - slicePosition_));
+  const std::int64_t wanted = std::min<std::int64_t>(count, sliceSize_ - slicePosition_);
   if (wanted <= 0) {
     setStatus(ioBufferAtEnd);
     return 0;
   }
-  const int got = file_.readRaw(destination, wanted);
+  const int got = file_.readRaw(destination, static_cast<int>(wanted));
   if (got > 0)
     slicePosition_ += got;
   else

@@ -167,3 +167,6 @@ public:
 private:
   bool truncate_ = true;
 };
+
+static_assert(sizeof(ioBufferedStreamInput) == sizeof(ioBufferedStream));
+static_assert(sizeof(ioBufferedStreamOutput) == sizeof(ioBufferedStream) + sizeof(void*));

@@ -4,6 +4,7 @@
 #include "Base/IO/ioBufferedStream.h"
 #include "Base/IO/ioPackageFile.h"
 
+#include <algorithm>
 #include <climits>
 
 namespace {
@@ -91,8 +92,9 @@ int ioBufferedStreamInput::readInt() {
 
 void ioBufferedStreamInput::readLine(char* buffer, int size) {
   if (!buffer) return;
+  const int most = std::max(size, 1) - 1;
   int length = 0;
-  while (good() && length < size - 1) {
+  while (good() && length < most) {
     buffer[length] = readChar();
     if (buffer[length++] == '\n') break;
   }

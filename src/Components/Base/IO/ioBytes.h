@@ -1,6 +1,8 @@
 // Numbers in bytes of a told order, at any address.
 #pragma once
 
+#include "Base/IO/ioByteOrder.h"
+
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -17,8 +19,7 @@ inline void ioStoreBig32(unsigned char* bytes, std::uint32_t value) noexcept {
 [[nodiscard]] inline std::uint32_t ioLoadLittle32(const unsigned char* bytes) noexcept {
   std::uint32_t value;
   std::memcpy(&value, bytes, sizeof value);
-  if constexpr (std::endian::native == std::endian::big)
-    value = value >> 24 | (value >> 8 & 0xFF00U) | (value << 8 & 0xFF0000U) | value << 24;
+  if constexpr (std::endian::native == std::endian::big) value = ioByteOrder::reversed(value);
   return value;
 }
 
@@ -27,8 +28,6 @@ inline void ioStoreLittle32(unsigned char* bytes, std::uint32_t value) noexcept 
 }
 
 inline void ioStoreLittle64(unsigned char* bytes, std::uint64_t value) noexcept {
-  if constexpr (std::endian::native == std::endian::little)
-    std::memcpy(bytes, &value, sizeof value);
-  else
-    for (int i = 0; i < 8; ++i) bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+  if constexpr (std::endian::native == std::endian::big) value = ioByteOrder::reversed(value);
+  std::memcpy(bytes, &value, sizeof value);
 }

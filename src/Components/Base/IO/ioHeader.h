@@ -10,6 +10,7 @@
 
 #include "Base/qvBase.h"
 
+#include <cstddef>
 #include <cstdint>
 
 class ioBufferedStreamInput;
@@ -55,4 +56,5 @@ public:
   ioWriteMethod method = ioWriteAscii;
 };
 
-static_assert(sizeof(ioHeader) == 8);
+static_assert(sizeof(ioHeader) == 8 && offsetof(ioHeader, littleEndian) == 1 &&
+              offsetof(ioHeader, method) == 4);

@@ -15,17 +15,18 @@ namespace {
 
 using Decrypted = Reading<ioBufferEncrypt>;
 
-std::string bytesOf(const std::string& hex) {
+std::string fromHex(const std::string& hex) {
   std::string bytes;
   for (std::size_t i = 0; i < hex.size(); i += 2)
     bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
   return bytes;
 }
 
-std::string range(int first, int count) {
-  std::string bytes;
-  for (int i = 0; i < count; ++i) bytes += static_cast<char>(first + i);
-  return bytes;
+std::string zeros(std::size_t count) { return std::string(count, '\0'); }
+
+/// The bytes of a number of 16 bytes, least significant byte first.
+std::string number(const char* hex) {
+  return fromHex(hex) + zeros(16 - std::char_traits<char>::length(hex) / 2);
 }
 
 unsigned char* data(std::string& bytes) { return reinterpret_cast<unsigned char*>(bytes.data()); }
@@ -33,43 +34,24 @@ const unsigned char* data(const std::string& bytes) {
   return reinterpret_cast<const unsigned char*>(bytes.data());
 }
 
-const std::string sunscreen =
-    "Ladies and Gentlemen of the class of '99: If I could offer you only one tip for the "
-    "future, sunscreen would be it.";
-
-TEST(ioChaCha20Poly1305, EncryptsLikeTheStandard) { // RFC 8439, 2.4.2
-  std::string text = sunscreen;
-  cipher::chacha20(data(text), text.size(), data(range(0, 32)), data(bytesOf("000000000000004a00000000")), 1);
-  EXPECT_EQ(text, bytesOf("6e2e359a2568f98041ba0728dd0d6981e97e7aec1d4360c20a27afccfd9fae0bf91b65c5524733ab"
-                          "8f593dabcd62b3571639d624e65152ab8f530c359f0861d807ca0dbf500d6a6156a38e088a22b65e"
-                          "52bc514d16ccf806818ce91ab77937365af90bbf74a35be6b40b8eedf2785e42874d"));
-}
-
 TEST(ioChaCha20Poly1305, AuthenticatesLikeTheStandard) {
   const std::string ones(16, '\xFF');
-  const std::string zeros(16, '\0');
-  const std::string low = bytesOf("02000000000000000000000000000000");
   const struct {
     int line;
     std::string key, message, tag;
   } rows[] = {
-      {__LINE__, bytesOf("85d6be7857556d337f4452fe42d506a80103808afb0db2fd4abff6af4149f51b"),
-       "Cryptographic Forum Research Group", bytesOf("a8061dc1305136c6c22b8baf0c0127a9")}, // 2.5.2
+      {__LINE__, fromHex("85d6be7857556d337f4452fe42d506a80103808afb0db2fd4abff6af4149f51b"),
+       "Cryptographic Forum Research Group", fromHex("a8061dc1305136c6c22b8baf0c0127a9")}, // RFC 8439, 2.5.2
       // The sums that reach or pass 2^130 - 5 (A.3, 7 to 11).
-      {__LINE__, low + zeros, ones, bytesOf("03000000000000000000000000000000")},
-      {__LINE__, low + ones, low, bytesOf("03000000000000000000000000000000")},
-      {__LINE__, bytesOf("01000000000000000000000000000000") + zeros,
-       ones + bytesOf("f0ffffffffffffffffffffffffffffff11000000000000000000000000000000"),
-       bytesOf("05000000000000000000000000000000")},
-      {__LINE__, bytesOf("01000000000000000000000000000000") + zeros,
-       ones + bytesOf("fbfefefefefefefefefefefefefefefe01010101010101010101010101010101"), zeros},
-      {__LINE__, low + zeros, bytesOf("fdffffffffffffffffffffffffffffff"),
-       bytesOf("faffffffffffffffffffffffffffffff")},
-      {__LINE__, bytesOf("01000000000000000400000000000000") + zeros,
-       bytesOf(
-           "e33594d7505e43b900000000000000003394d7505e4379cd010000000000000000000000000000000000000000000000"
-           "01000000000000000000000000000000"),
-       bytesOf("14000000000000005500000000000000")},
+      {__LINE__, number("02") + zeros(16), ones, number("03")},
+      {__LINE__, number("02") + ones, number("02"), number("03")},
+      {__LINE__, number("01") + zeros(16), ones + "\xF0" + ones.substr(1) + number("11"), number("05")},
+      {__LINE__, number("01") + zeros(16), ones + "\xFB" + std::string(15, '\xFE') + std::string(16, '\1'),
+       zeros(16)},
+      {__LINE__, number("02") + zeros(16), "\xFD" + ones.substr(1), "\xFA" + ones.substr(1)},
+      {__LINE__, number("010000000000000004") + zeros(16),
+       number("e33594d7505e43b9") + number("3394d7505e4379cd01") + zeros(16) + number("01"),
+       number("140000000000000055")},
   };
   for (const auto& row : rows) {
     std::string tag(16, '\0');
@@ -79,24 +61,30 @@ TEST(ioChaCha20Poly1305, AuthenticatesLikeTheStandard) {
 }
 
 TEST(ioChaCha20Poly1305, SealsAndOpensLikeTheStandard) { // RFC 8439, 2.8.2
-  const std::string key = range(0x80, 32), nonce = bytesOf("070000004041424344454647");
-  const std::string extra = bytesOf("50515253c0c1c2c3c4c5c6c7");
-  std::string text = sunscreen, tag(16, '\0');
+  std::string key;
+  for (int i = 0; i < 32; ++i) key += static_cast<char>(0x80 + i);
+  const std::string nonce = fromHex("070000004041424344454647"), extra = fromHex("50515253c0c1c2c3c4c5c6c7");
+  const std::string sunscreen =
+      "Ladies and Gentlemen of the class of '99: If I could offer you only one tip for the "
+      "future, sunscreen would be it.";
+  const std::string sealed = fromHex("d31a8d34648e60db7b86afbc53ef7ec2a4aded51296e08fea9e2b5a736ee62d63dbea45"
+                                     "e8ca9671282fafb69da92728b1a71de0a"
+                                     "9e060b2905d6a5b67ecd3b3692ddbd7f2d778b8c9803aee328091b58fab324e4fad6759"
+                                     "45585808b4831d7bc3ff4def08e4b7a9d"
+                                     "e576d26586cec64b6116");
+  std::string text = sunscreen, tag = zeros(16);
+  const auto opens = [&] {
+    return cipher::open(data(text), text.size(), data(extra), extra.size(), data(key), data(nonce),
+                        data(tag));
+  };
   cipher::seal(data(text), text.size(), data(extra), extra.size(), data(key), data(nonce), data(tag));
-  EXPECT_EQ(
-      text,
-      bytesOf("d31a8d34648e60db7b86afbc53ef7ec2a4aded51296e08fea9e2b5a736ee62d63dbea45e8ca9671282fafb69da"
-              "92728b1a71de0a9e060b2905d6a5b67ecd3b3692ddbd7f2d778b8c9803aee328091b58fab324e4fad675945585"
-              "808b4831d7bc3ff4def08e4b7a9de576d26586cec64b6116"));
-  EXPECT_EQ(tag, bytesOf("1ae10b594f09e26a7e902ecbd0600691"));
-  const std::string sealed = text;
+  EXPECT_EQ(text, sealed);
+  EXPECT_EQ(tag, fromHex("1ae10b594f09e26a7e902ecbd0600691"));
   tag[3] = static_cast<char>(tag[3] ^ 1);
-  EXPECT_FALSE(
-      cipher::open(data(text), text.size(), data(extra), extra.size(), data(key), data(nonce), data(tag)));
+  EXPECT_FALSE(opens());
   EXPECT_EQ(text, sealed);
   tag[3] = static_cast<char>(tag[3] ^ 1);
-  EXPECT_TRUE(
-      cipher::open(data(text), text.size(), data(extra), extra.size(), data(key), data(nonce), data(tag)));
+  EXPECT_TRUE(opens());
   EXPECT_EQ(text, sunscreen);
 }
 
@@ -121,7 +109,6 @@ TEST_F(ioBufferEncryptTest, ReadsBackWhatItWrote) {
     const std::string text = mixed(random, size, 256);
     const std::string stream = written<ioBufferEncrypt>(text, 777);
     EXPECT_EQ(stream.size(), 16 + size + ((size + 4095) / 4096 + 1) * 24);
-    EXPECT_EQ(stream.substr(0, 8), std::string("ioEn\0\0\0\1", 8));
     EXPECT_NE(stream, written<ioBufferEncrypt>(text, 777)); // another nonce
     Decrypted reading(stream + "after");
     EXPECT_TRUE(reading.all(1001) == text);
@@ -134,31 +121,30 @@ TEST_F(ioBufferEncryptTest, ReadsBackWhatItWrote) {
 
 TEST_F(ioBufferEncryptTest, HasTheToldLayout) {
   const std::string stream = written<ioBufferEncrypt>("abc");
-  ASSERT_EQ(stream.size(), 16U + 27 + 24);
-  const std::string key(32, '\1');
-  const auto open = [&](std::size_t at, std::size_t size, unsigned sequence, const std::string& before) {
-    std::string text = stream.substr(at + 8, size);
-    const std::string extra = before + stream.substr(at, 8);
-    const std::string nonce = stream.substr(8, 8) + std::string(3, '\0') + static_cast<char>(sequence);
-    EXPECT_EQ(stream.substr(at, 8), std::string(3, '\0') + static_cast<char>(size) + std::string(3, '\0') +
-                                        static_cast<char>(sequence));
-    EXPECT_TRUE(cipher::open(data(text), size, data(extra), extra.size(), data(key), data(nonce),
-                             data(stream) + at + 8 + size));
-    return text;
-  };
-  EXPECT_EQ(open(16, 3, 0, stream.substr(0, 16)), "abc");
-  EXPECT_EQ(open(43, 0, 1, ""), "");
+  EXPECT_EQ(stream.substr(0, 8), "ioEn" + zeros(3) + "\1");
+  std::size_t at = 16;
+  for (const std::string expected : {"abc", ""}) { // the second block ends the stream
+    const std::string sequence = zeros(3) + (at == 16 ? '\0' : '\1');
+    const std::string header = zeros(3) + static_cast<char>(expected.size()) + sequence;
+    ASSERT_EQ(stream.substr(at, 8), header);
+    std::string text = stream.substr(at + 8, expected.size());
+    const std::string extra = (at == 16 ? stream.substr(0, 16) : "") + header;
+    EXPECT_TRUE(cipher::open(data(text), text.size(), data(extra), extra.size(), data(std::string(32, '\1')),
+                             data(stream.substr(8, 8) + sequence), data(stream) + at + 8 + text.size()));
+    EXPECT_EQ(text, expected);
+    at += 24 + text.size();
+  }
+  EXPECT_EQ(stream.size(), at);
 }
 
 TEST_F(ioBufferEncryptTest, TakesNoChangedReorderedOrCutStream) {
   const std::string text = std::string(4096, 'a') + std::string(4096, 'b') + "c";
-  const std::string stream = written<ioBufferEncrypt>(text);
+  const std::string stream = written<ioBufferEncrypt>(text), header = stream.substr(0, 16);
   const std::size_t length = 4096 + 24;
-  std::vector<std::string> broken = {stream.substr(0, 16) + stream.substr(16 + length, length) +
-                                         stream.substr(16, length) + stream.substr(16 + 2 * length),
-                                     stream.substr(0, 16) + stream.substr(16 + length),
-                                     stream.substr(0, 16 + length) + stream.substr(16),
-                                     stream.substr(0, 16) + written<ioBufferEncrypt>(text).substr(16)};
+  const std::string first = stream.substr(16, length), second = stream.substr(16 + length, length);
+  std::vector<std::string> broken = {header + second + first + stream.substr(16 + 2 * length),
+                                     header + stream.substr(16 + length), header + first + stream.substr(16),
+                                     header + written<ioBufferEncrypt>(text).substr(16)};
   const std::string small = written<ioBufferEncrypt>("abc");
   for (std::size_t i = 0; i < small.size(); ++i) {
     broken.push_back(small.substr(0, i));
@@ -181,9 +167,7 @@ TEST_F(ioBufferEncryptTest, FailsWithoutAKeyAndWithoutRandomBytes) {
   const auto statusOfWriting = [] {
     qvOS::MemoryIOStream memory;
     ioBufferEncrypt link(false);
-    auto* const transport = new ioBufferIOStream(false);
-    transport->attachStream(&memory);
-    link.setNext(transport);
+    attach(link, memory);
     link.writeBytes("abc", 3);
     link.finish();
     link.closeLink(); // the end is written once

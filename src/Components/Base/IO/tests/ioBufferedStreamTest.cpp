@@ -3,7 +3,6 @@
 #include "Base/IO/ioEncryptKey.h"
 #include "Base/IO/ioHeader.h"
 #include "Base/IO/tests/ioLinkTest.h"
-#include "Base/OS/qvOSMemoryIOStream.h"
 #include "Base/String/qvStringIString.h"
 #include "Base/TCP/qvTCPAddress.h"
 #include "Base/TCP/qvTCPSocket.h"
@@ -18,9 +17,9 @@
 #include <climits>
 #include <fcntl.h>
 #include <functional>
-#include <thread>
 #include <unistd.h>
 
+using namespace ioLinkTest;
 using namespace std::string_literals;
 
 namespace {
@@ -37,19 +36,6 @@ struct TextInput : ioBufferedStreamInput {
   qvOS::MemoryIOStream memory;
 };
 
-std::string rest(ioBufferedStreamInput& stream, int piece = 100) {
-  std::string out, buffer(static_cast<std::size_t>(piece), '\0');
-  while (stream.good())
-    out.append(buffer, 0, static_cast<std::size_t>(stream.readData(buffer.data(), piece)));
-  return out;
-}
-
-void write(ioBufferedStreamOutput& stream, const std::string& data, int piece) {
-  for (std::size_t i = 0; i < data.size(); i += static_cast<std::size_t>(piece))
-    stream.writeData(data.data() + i,
-                     static_cast<int>(std::min(data.size() - i, static_cast<std::size_t>(piece))));
-}
-
 // ---- Chains --------------------------------------------------------------------------------------------
 
 /// One letter for each filter, in the order in which they are pushed.
@@ -61,20 +47,42 @@ void push(ioBufferedStream& stream, const std::string& filters) {
   }
 }
 
-/// Every order of up to four filters.
-std::vector<std::string> allChains() {
+/// Every order of up to `most` filters.
+std::vector<std::string> allChains(std::size_t most) {
   std::vector<std::string> chains = {""};
-  for (std::size_t i = 0; i < chains.size() && chains[i].size() < 4; ++i)
+  for (std::size_t i = 0; i < chains.size() && chains[i].size() < most; ++i)
     for (const char filter : "cse"s) chains.push_back(chains[i] + filter);
   return chains;
 }
 
-/// The status in which a chain ends that has `transport` at its bottom: its topmost filter that has an end of
-/// its own tells it.
-ioStreamStatus endOf(const std::string& filters, ioStreamStatus transport) {
+/// The status in which a chain ends: its topmost filter that has an end of its own tells it.
+ioStreamStatus endOf(const std::string& filters) {
   const std::size_t top = filters.find_last_of("ce");
-  if (top == std::string::npos) return transport;
-  return filters[top] == 'c' ? ioStreamCompressedEnd : ioStreamAtEnd;
+  return top != std::string::npos && filters[top] == 'c' ? ioStreamCompressedEnd : ioStreamAtEnd;
+}
+
+void fill(ioBufferedStreamOutput& output, const std::string& filters, const std::string& data, int piece) {
+  push(output, filters);
+  writeAll(output, data, piece);
+  output.close();
+  EXPECT_TRUE(output.good());
+}
+
+/// What a chain makes of `data`.
+std::string stored(const std::string& filters, const std::string& data, int piece) {
+  qvOS::MemoryIOStream memory;
+  ioBufferedStreamOutput output;
+  output.openIOStream(&memory);
+  fill(output, filters, data, piece);
+  return bytesOf(memory);
+}
+
+void expectToRead(ioBufferedStreamInput& input, const std::string& filters, const std::string& data,
+                  int piece) {
+  push(input, filters);
+  EXPECT_TRUE(readAll(input, piece) == data) << filters << piece;
+  EXPECT_EQ(input.getStatus(), endOf(filters)) << filters;
+  input.close();
 }
 
 class ioBufferedStreamChains : public testing::Test {
@@ -90,102 +98,55 @@ protected:
   static constexpr int pieces[] = {1, 7, 4095, 4096, 4097, 1000000};
 };
 
-TEST_F(ioBufferedStreamChains, CarryBytesOverEveryTransport) {
+TEST_F(ioBufferedStreamChains, CarryBytesOverFilesSlicesAndMemory) {
   const qvTest::Directory directory;
-  const std::string path = directory.path("f");
+  const qvString::IString file = wide(directory.path("f")), slice = wide(directory.path("slice"));
   qvTest::Random random(7);
-  const std::string data = ioLinkTest::mixed(random, 30000, 200);
+  const std::string data = mixed(random, 30000, 200);
   int n = 0;
-  for (const std::string& chain : allChains()) {
-    SCOPED_TRACE(chain);
+  for (const std::string& chain : allChains(4)) {
     const int writePiece = pieces[n % 6], readPiece = pieces[n / 6 % 6];
     ++n;
-    ioBufferedStreamOutput file;
-    file.openFile(wide(path));
-    push(file, chain);
-    write(file, data, writePiece);
-    file.close();
-    EXPECT_TRUE(file.good());
+    ioBufferedStreamOutput output;
+    output.openFile(file);
+    fill(output, chain, data, writePiece);
     ioBufferedStreamInput input;
-    input.openFile(wide(path));
-    push(input, chain);
-    ASSERT_TRUE(rest(input, readPiece) == data);
-    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
-    input.close();
-
-    std::string stored = directory.read("f");
-    const auto size = static_cast<std::int64_t>(stored.size());
-    directory.write("slice", "before" + stored + "after");
-    input.openFileSlice(wide(directory.path("slice")), 6, size);
-    EXPECT_FALSE(input.good()); // opening a slice keeps the status
-    input.close();
-    input.resetStatus();
-    input.openFileSlice(wide(directory.path("slice")), 6, size);
-    push(input, chain);
-    ASSERT_TRUE(rest(input, readPiece) == data);
-    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
-    input.close();
-
-    qvOS::MemoryIOStream memory;
-    ioBufferedStreamOutput stream;
-    stream.openIOStream(&memory);
-    push(stream, chain);
-    write(stream, data, writePiece);
-    stream.close();
-    memory.seek(0);
-    input.openIOStream(&memory);
-    push(input, chain);
-    ASSERT_TRUE(rest(input, readPiece) == data);
-    EXPECT_EQ(input.getStatus(), endOf(chain, ioStreamAtEnd));
-    input.close();
+    input.openFile(file);
+    expectToRead(input, chain, data, readPiece);
+    const std::string bytes = directory.read("f");
+    directory.write("slice", "before" + bytes + "after");
+    for (const bool isReset : {false, true}) { // opening a slice keeps the status
+      input.openFileSlice(slice, 6, static_cast<std::int64_t>(bytes.size()));
+      EXPECT_EQ(input.good(), isReset);
+      if (isReset) expectToRead(input, chain, data, readPiece);
+      input.close();
+      input.resetStatus();
+    }
+    TextInput memory(stored(chain, data, writePiece));
+    expectToRead(memory, chain, data, readPiece);
   }
-}
-
-TEST_F(ioBufferedStreamChains, CarryBytesInPiecesOfAllSizes) {
-  qvTest::Random random(8);
-  const std::string data = ioLinkTest::mixed(random, 1200000, 200);
+  const std::string large = mixed(random, 1200000, 200);
   for (const char* const chain : {"", "cs", "se", "ecs"})
     for (const int piece : pieces) {
-      qvOS::MemoryIOStream memory;
-      ioBufferedStreamOutput output;
-      output.openIOStream(&memory);
-      push(output, chain);
-      write(output, data, piece);
-      output.close();
-      memory.seek(0);
-      ioBufferedStreamInput input;
-      input.openIOStream(&memory);
-      push(input, chain);
-      ASSERT_TRUE(rest(input, piece) == data) << chain << piece;
+      TextInput input(stored(chain, large, piece));
+      expectToRead(input, chain, large, piece);
     }
 }
 
 TEST_F(ioBufferedStreamChains, CarryBytesOverASocket) {
   const qvTest::Listener listener;
   qvTest::Random random(9);
-  const std::string data = ioLinkTest::mixed(random, 30000, 200);
-  for (const std::string& chain : allChains()) {
-    if (chain.size() > 2) break;
-    SCOPED_TRACE(chain);
+  const std::string data = mixed(random, 30000, 200);
+  for (const std::string& chain : allChains(2)) {
     qvTCP::ClientSocket socket(qvTCP::Address("127.0.0.1", listener.port()));
     ASSERT_FALSE(socket.connect());
     const std::unique_ptr<qvTest::Peer> peer = listener.accept();
-    qvOS::MemoryIOStream memory;
-    ioBufferedStreamOutput expected;
-    expected.openIOStream(&memory);
-    push(expected, chain);
-    write(expected, data, 777);
-    expected.close();
-    const std::string sent(static_cast<const char*>(memory.data()), memory.size());
-
     ioBufferedStreamOutput output;
     output.openSocket(&socket);
-    push(output, chain);
-    write(output, data, 777);
-    output.close();
+    fill(output, chain, data, 777);
     (void)socket.close(2);
     const std::string received = peer->receive(100000);
-    EXPECT_TRUE(received == sent || chain.find('e') != std::string::npos);
+    EXPECT_TRUE(received == stored(chain, data, 777) || chain.find('e') != std::string::npos) << chain;
     peer->send(received + std::string(8192, '\0')); // a socket waits for whole buffers
     peer->close();
     ioBufferedStreamInput input;
@@ -193,31 +154,24 @@ TEST_F(ioBufferedStreamChains, CarryBytesOverASocket) {
     push(input, chain);
     std::string back(data.size(), '\0');
     EXPECT_EQ(input.readData(back.data(), static_cast<int>(back.size())), static_cast<int>(data.size()));
-    EXPECT_TRUE(back == data);
+    EXPECT_TRUE(back == data) << chain;
     input.close();
   }
 }
 
 TEST_F(ioBufferedStreamChains, EndInAStatusWhereverTheStreamIsCutOrChanged) {
   qvTest::Random random(10);
-  const std::string data = ioLinkTest::mixed(random, 60, 5);
-  for (const std::string& chain : allChains()) {
-    if (chain.empty() || chain.size() > 3) continue;
-    qvOS::MemoryIOStream memory;
-    ioBufferedStreamOutput output;
-    output.openIOStream(&memory);
-    push(output, chain);
-    write(output, data, 1000);
-    output.close();
-    const std::string stored(static_cast<const char*>(memory.data()), memory.size());
-    for (std::size_t i = 0; i < stored.size(); ++i)
+  const std::string data = mixed(random, 60, 5);
+  for (const std::string& chain : allChains(3)) {
+    if (chain.empty()) continue;
+    const std::string whole = stored(chain, data, 1000);
+    for (std::size_t i = 0; i < whole.size(); ++i)
       for (const bool isCut : {false, true}) {
-        TextInput input(isCut ? stored.substr(0, i) : stored);
+        TextInput input(isCut ? whole.substr(0, i) : whole);
         if (!isCut) input.text[i] = static_cast<char>(input.text[i] ^ 1 << random.below(8));
         push(input, chain);
-        const std::string got = rest(input);
-        EXPECT_NE(input.getStatus(), ioStreamOK);
-        const bool endsWell = input.getStatus() == endOf(chain, ioStreamAtEnd);
+        const std::string got = readAll(input);
+        const bool endsWell = input.getStatus() == endOf(chain);
         // What has a sum or a tag is either refused or right; sums let a cut between blocks pass.
         EXPECT_TRUE(chain.find_first_of("se") == std::string::npos || !endsWell ||
                     got == data.substr(0, got.size()))
@@ -242,35 +196,35 @@ TEST_F(ioBufferedStreamChains, GrowAndShrinkAtTheTop) {
     output.writeString("plain ");
   }
   output.close();
-  memory.seek(0);
-  ioBufferedStreamInput input;
-  input.openIOStream(&memory);
-  char text[10] = {};
-  EXPECT_EQ(input.readData(text, 6), 6);
+  TextInput input(bytesOf(memory));
+  const auto next = [&](int size) {
+    std::string text(static_cast<std::size_t>(size), '\0');
+    EXPECT_EQ(input.readData(text.data(), size), size);
+    return text;
+  };
+  EXPECT_EQ(next(6), "plain ");
   input.compress(true);
-  EXPECT_EQ(rest(input), "filtered ");
+  EXPECT_EQ(readAll(input), "filtered ");
   EXPECT_EQ(input.getStatus(), ioStreamCompressedEnd);
   input.compress(false);
   EXPECT_TRUE(input.good());
-  EXPECT_EQ(input.readData(text, 6), 6);
+  EXPECT_EQ(next(6), "plain ");
   input.checksum(true);
-  EXPECT_EQ(input.readData(text, 9), 9);
-  EXPECT_STREQ(text, "filtered ");
+  EXPECT_EQ(next(9), "filtered ");
   input.compress(false); // whatever is on top
-  EXPECT_EQ(input.readData(text, 6), 6);
+  EXPECT_EQ(next(6), "plain ");
   input.encrypt(true);
-  EXPECT_EQ(rest(input), "filtered ");
+  EXPECT_EQ(readAll(input), "filtered ");
   EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
   input.encrypt(false);
   input.resetStatus();
-  EXPECT_EQ(rest(input), "plain ");
+  EXPECT_EQ(readAll(input), "plain ");
 }
 
 TEST_F(ioBufferedStreamChains, HaveNoPositionThroughAFilter) {
   const qvTest::Directory directory;
-  directory.write("f", "0123456789");
   ioBufferedStreamInput input;
-  input.openFile(wide(directory.path("f")));
+  input.openFile(wide(directory.write("f", "0123456789")));
   input.checksum(true);
   EXPECT_EQ(input.tell(), 0);
   EXPECT_FALSE(input.seek(3));
@@ -308,7 +262,7 @@ TEST(ioBufferedStream, TellsAFailedOutputOpenAtTheNextPromotionOnly) {
   input.resetStatus();
   input.openFileSlice(wide(directory.write("f", "abc")), 1, 5);
   EXPECT_EQ(input.getStatus(), ioStreamAtEnd);
-  EXPECT_EQ(rest(input), "");
+  EXPECT_EQ(readAll(input), "");
   input.close();
 }
 
@@ -343,24 +297,35 @@ TEST(ioBufferedStream, RefusesWorkWhileClosed) {
 
 TEST(ioBufferedStream, TellsFailuresOfTheDisk) {
   const qvTest::Directory directory;
+  const qvString::IString file = wide(directory.write("f", "data"));
   const struct {
     int line;
     const char* call;
     int error;
+    bool forReading;
     ioStreamStatus status;
-  } rows[] = {{__LINE__, "write", ENOSPC, ioStreamDiskFull},
-              {__LINE__, "write", EIO, ioStreamFailed},
-              {__LINE__, "close", EIO, ioStreamFailed}};
+  } rows[] = {
+      {__LINE__, "open", EACCES, true, ioStreamOpenFailed}, {__LINE__, "open", EINTR, true, ioStreamOK},
+      {__LINE__, "read", EIO, true, ioStreamFailed},        {__LINE__, "read", EINTR, true, ioStreamOK},
+      {__LINE__, "read", EAGAIN, true, ioStreamOK},         {__LINE__, "close", EIO, true, ioStreamFailed},
+      {__LINE__, "write", ENOSPC, false, ioStreamDiskFull}, {__LINE__, "write", EIO, false, ioStreamFailed},
+      {__LINE__, "write", EINTR, false, ioStreamOK},        {__LINE__, "close", EIO, false, ioStreamFailed},
+  };
   for (const auto& row : rows)
     for (const char* const chain : {"", "c", "s", "cs"}) {
       qvTest::PlatformScript script;
       script.failCall(0, row.error, row.call);
+      ioBufferedStreamInput input;
       ioBufferedStreamOutput output;
-      output.openFile(wide(directory.path("f")));
-      push(output, chain);
-      output.writeString("data");
-      output.close();
-      EXPECT_EQ(output.getStatus(), row.status) << row.line << chain;
+      ioBufferedStream& stream = row.forReading ? static_cast<ioBufferedStream&>(input) : output;
+      stream.openFile(file);
+      if (row.forReading)
+        (void)input.readChar();
+      else
+        push(output, chain), output.writeString("data");
+      stream.close();
+      EXPECT_EQ(stream.getStatus(), row.status) << row.line << chain;
+      EXPECT_EQ(script.failures(), 1) << row.line << chain;
     }
 }
 
@@ -407,7 +372,7 @@ TEST(ioBufferedStream, ReadsNumbers) {
   for (const auto& row : rows) {
     TextInput input(row.text);
     EXPECT_EQ(input.readInt(), row.value) << row.line;
-    EXPECT_EQ(rest(input), row.rest) << row.line;
+    EXPECT_EQ(readAll(input), row.rest) << row.line;
   }
 }
 
@@ -420,6 +385,7 @@ TEST(ioBufferedStream, ReadsLines) {
     return std::string(line, 8);
   };
   input.readLine(nullptr, 8);
+  EXPECT_EQ(next(INT_MIN), "\0#######"s);
   EXPECT_EQ(next(0), "\0#######"s);
   EXPECT_EQ(next(1), "\0#######"s);
   EXPECT_EQ(next(8), "one\n\0###"s);
@@ -445,8 +411,7 @@ TEST(ioBufferedStream, WritesCharactersAndTexts) {
   output.printf("%s", std::string(2000, 'x').c_str());
   output.printf("%s", "");
   output.close();
-  const std::string all(static_cast<const char*>(memory.data()), memory.size());
-  EXPECT_EQ(all, "abcd-5 narrow wide" + std::string(1023, 'x'));
+  EXPECT_EQ(bytesOf(memory), "abcd-5 narrow wide" + std::string(1023, 'x'));
 
   qvOS::MemoryIOStream checked;
   output.openIOStream(&checked);
@@ -454,6 +419,19 @@ TEST(ioBufferedStream, WritesCharactersAndTexts) {
   for (const char c : "xyz"s) output.writeChar(c);
   output.close();
   EXPECT_EQ(checked.size(), 33U); // a block of its own for each
+}
+
+TEST(ioBufferedStream, EmptiesAFileUnlessToldOtherwise) {
+  const qvTest::Directory directory;
+  const qvString::IString file = wide(directory.write("f", "0123"));
+  for (const bool truncates : {false, true}) {
+    ioBufferedStreamOutput output;
+    if (!truncates) output.truncateOnOpen(false);
+    output.openFile(file);
+    output.writeString("X");
+    output.close();
+    EXPECT_EQ(directory.read("f"), truncates ? "X" : "X123");
+  }
 }
 
 TEST(ioBufferedStream, TellsProgressOfTheLinkOnTop) {
@@ -464,7 +442,7 @@ TEST(ioBufferedStream, TellsProgressOfTheLinkOnTop) {
   input.associateProgressFunction([](int) { told.push_back(-1); });
   input.openFile(wide(directory.write("f", std::string(300000, 'x'))));
   input.associateProgressFunction([](int total) { told.push_back(total); });
-  (void)rest(input, 5000);
+  (void)readAll(input, 5000);
   input.close();
   EXPECT_EQ(told, (std::vector<int>{262144, 300000, 300000}));
 }
@@ -490,7 +468,7 @@ TEST(ioBufferedStream, TakesTheStandardStreams) {
               input.openStdin();
               ioBufferedStreamOutput output;
               output.openStdout();
-              output.writeString(rest(input).c_str());
+              output.writeString(readAll(input).c_str());
               output.close();
               input.close();
               EXPECT_EQ(fcntl(0, F_GETFD), -1); // closing closes them, too
@@ -512,49 +490,44 @@ TEST(ioHeader, WritesTheseBytes) {
     header.writeHeader(output);
     output.close();
     const char order = ioHeader::systemIsLittleEndian() ? '1' : '0';
-    EXPECT_EQ(std::string(static_cast<const char*>(memory.data()), memory.size()),
-              "^@\n1\n"s + order + " " + std::to_string(method) + " 1\n1 2 4 8 4 8 8\n@\n");
+    EXPECT_EQ(bytesOf(memory), "^@\n1\n"s + order + " " + std::to_string(method) + " 1\n1 2 4 8 4 8 8\n@\n");
   }
   EXPECT_FALSE(ioHeader().valid);
 }
 
 TEST(ioHeader, ReadsWhatItKnows) {
-  const bool little = ioHeader::systemIsLittleEndian();
   const struct {
     int line;
     std::string text;
     bool valid, littleEndian;
     int method;
-    ioReadMethod little, big;
+    ioReadMethod little, big; ///< What a machine of that byte order reads with.
   } rows[] = {
-      {__LINE__, "^@\n1\n1 1 1\n1 2 4 8 4 8 8\n@\n", true, true, 1, ioReadBinarySameEndian,
-       ioReadBinarySwapped},
-      {__LINE__, "^@\n1\n0 1 1\n1 2 4 8 4 8 8\n@\n", true, false, 1, ioReadBinarySwapped,
-       ioReadBinarySameEndian},
-      {__LINE__, "^@\n1\n1 3 1\n1 2 4 8 4 8 8\n@\n", true, true, 3, ioReadBinarySameEndianDebug,
+      {__LINE__, "1\n1 1 1\n1 2 4 8 4 8 8\n@\n", true, true, 1, ioReadBinarySameEndian, ioReadBinarySwapped},
+      {__LINE__, "1\n0 1 1\n1 2 4 8 4 8 8\n@\n", true, false, 1, ioReadBinarySwapped, ioReadBinarySameEndian},
+      {__LINE__, "1\n1 3 1\n1 2 4 8 4 8 8\n@\n", true, true, 3, ioReadBinarySameEndianDebug,
        ioReadBinarySwappedDebug},
-      {__LINE__, "^@\n9\n7 3 1\n1 2 4 8 4 8 0\nmore, later@\n", true, true, 3, ioReadBinarySameEndianDebug,
-       ioReadBinarySwappedDebug},
-      {__LINE__, "^@\n1\n0 0 1\n9 9 9 9 9 9 9\n@\n", true, false, 0, ioReadAscii, ioReadAscii},
-      {__LINE__, "^@\n1\n0 2 0\n1 2 4 8 4 8 8\n@\n", true, false, 2, ioReadAsciiDebug, ioReadAsciiDebug},
-      {__LINE__, "^@\n1\n1 1 0\n1 2 4 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian,
+      {__LINE__, "9\n7 1 1\n1 2 4 8 4 8 0\nlater@\n", true, true, 1, ioReadBinarySameEndian,
        ioReadBinarySwapped},
-      {__LINE__, "^@\n1\n1 1 1\n1 2 8 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian,
-       ioReadBinarySwapped},
-      {__LINE__, "^@\n1\n1 3 1\n1 2 4 8 4 4 8\n@\n", false, true, 3, ioReadBinarySameEndianDebug,
-       ioReadBinarySwappedDebug},
-      {__LINE__, "^@\n1\n1 4 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
-      {__LINE__, "^@\n1\n1 -2 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
+      {__LINE__, "1\n0 0 1\n9 9 9 9 9 9 9\n@\n", true, false, 0, ioReadAscii, ioReadAscii},
+      {__LINE__, "1\n0 2 0\n1 2 4 8 4 8 8\n@\n", true, false, 2, ioReadAsciiDebug, ioReadAsciiDebug},
+      {__LINE__, "1\n1 1 0\n1 2 4 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian, ioReadBinarySwapped},
+      {__LINE__, "1\n1 1 1\n1 2 8 8 4 8 8\n@\n", false, true, 1, ioReadBinarySameEndian, ioReadBinarySwapped},
+      {__LINE__, "1\n0 3 1\n1 2 4 8 4 4 8\n@\n", false, false, 3, ioReadBinarySwappedDebug,
+       ioReadBinarySameEndianDebug},
+      {__LINE__, "1\n1 4 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
+      {__LINE__, "1\n1 -2 1\n1 2 4 8 4 8 8\n@\n", true, true, -1, ioReadInvalid, ioReadInvalid},
   };
   for (const auto& row : rows) {
-    TextInput input(row.text + "body");
+    TextInput input("^@\n" + row.text + "body");
     ioHeader header;
     EXPECT_EQ(header.readHeader(input), row.valid) << row.line;
     EXPECT_EQ(header.valid, row.valid) << row.line;
     EXPECT_EQ(header.littleEndian, row.littleEndian) << row.line;
     EXPECT_EQ(static_cast<int>(header.method), row.method) << row.line;
-    EXPECT_EQ(header.determineReadMethod(), little ? row.little : row.big) << row.line;
-    EXPECT_EQ(rest(input), "body") << row.line;
+    EXPECT_EQ(header.determineReadMethod(), ioHeader::systemIsLittleEndian() ? row.little : row.big)
+        << row.line;
+    EXPECT_EQ(readAll(input), "body") << row.line;
   }
   for (const char* const text : {"", "^", "^@", "^@\r", "^ \n", "@@\n1\n1 1 1\n1 2 4 8 4 8 8\n@\n"}) {
     TextInput input(text);

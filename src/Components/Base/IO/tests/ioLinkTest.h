@@ -1,4 +1,4 @@
-// Chains over memory for the tests of links.
+// Chains over memory for the tests of links and streams.
 #pragma once
 
 #include "Base/IO/ioBufferIOStream.h"
@@ -7,28 +7,56 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <string>
 
 namespace ioLinkTest {
+
+inline std::string bytesOf(const qvOS::MemoryIOStream& memory) {
+  return {static_cast<const char*>(memory.data()), memory.size()};
+}
+
+/// What comes from a link or a stream until its status changes, in pieces of `piece` bytes.
+template <class Source>
+std::string readAll(Source& source, int piece = 1000) {
+  std::string out, buffer(static_cast<std::size_t>(piece), '\0');
+  while (source.good()) {
+    int got = 0;
+    if constexpr (requires { source.readBytes(buffer.data(), piece); })
+      got = source.readBytes(buffer.data(), piece);
+    else
+      got = source.readData(buffer.data(), piece);
+    out.append(buffer, 0, static_cast<std::size_t>(got));
+  }
+  return out;
+}
+
+/// Writes to a link or a stream in pieces of `piece` bytes.
+template <class Target>
+void writeAll(Target& target, const std::string& data, int piece) {
+  for (std::size_t i = 0; i < data.size(); i += static_cast<std::size_t>(piece)) {
+    const int size = static_cast<int>(std::min(data.size() - i, static_cast<std::size_t>(piece)));
+    if constexpr (requires { target.writeBytes(data.data(), size); })
+      target.writeBytes(data.data() + i, size);
+    else
+      target.writeData(data.data() + i, size);
+  }
+}
+
+/// Puts `link` on top of memory.
+inline void attach(ioBuffer& link, qvOS::MemoryIOStream& memory) {
+  auto* const transport = new ioBufferIOStream(link.forReading());
+  transport->attachStream(&memory);
+  link.setNext(transport);
+}
 
 /// A link of type `Link` over bytes in memory.
 template <class Link>
 struct Reading {
   explicit Reading(std::string stream)
       : bytes(std::move(stream)), memory(bytes.data(), bytes.size()), link(true) {
-    auto* const transport = new ioBufferIOStream(true);
-    transport->attachStream(&memory);
-    link.setNext(transport);
+    attach(link, memory);
   }
-
-  /// What comes until the status changes, in pieces of `piece` bytes.
-  std::string all(int piece = 1000) {
-    std::string out;
-    std::string buffer(static_cast<std::size_t>(piece), '\0');
-    while (link.good()) out.append(buffer, 0, static_cast<std::size_t>(link.readBytes(buffer.data(), piece)));
-    return out;
-  }
+  std::string all(int piece = 1000) { return readAll(link, piece); }
 
   std::string bytes;
   qvOS::MemoryIOStream memory;
@@ -39,18 +67,12 @@ struct Reading {
 template <class Link>
 std::string written(const std::string& data, int piece = 1000) {
   qvOS::MemoryIOStream memory;
-  {
-    Link link(false);
-    auto* const transport = new ioBufferIOStream(false);
-    transport->attachStream(&memory);
-    link.setNext(transport);
-    for (std::size_t i = 0; i < data.size(); i += static_cast<std::size_t>(piece))
-      link.writeBytes(data.data() + i,
-                      static_cast<int>(std::min(data.size() - i, static_cast<std::size_t>(piece))));
-    link.flushChain();
-    link.closeLink();
-  }
-  return {static_cast<const char*>(memory.data()), memory.size()};
+  Link link(false);
+  attach(link, memory);
+  writeAll(link, data, piece);
+  link.flushChain();
+  link.closeLink();
+  return bytesOf(memory);
 }
 
 /// Bytes of `letters` different values from `first` on, some of them repeating what came before.
@@ -62,8 +84,7 @@ inline std::string mixed(qvTest::Random& random, std::size_t size, int letters, 
       data += data.substr(random.below(data.size() - 50), length);
     else
       for (std::size_t i = 0; i < length; ++i)
-        data +=
-            static_cast<char>(first + static_cast<char>(random.below(static_cast<std::uint64_t>(letters))));
+        data += static_cast<char>(first + random.between(0, letters - 1));
   }
   data.resize(size);
   return data;

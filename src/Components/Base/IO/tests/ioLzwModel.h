@@ -8,6 +8,8 @@
 
 namespace ioLzwModel {
 
+inline int maxCodeOf(int codeBits) { return codeBits == 16 ? 65536 : (1 << codeBits) - 1; }
+
 /// Packs codes as a writer does. The group keeps its bytes, and they fill up the next group that is not full.
 class Packer {
 public:
@@ -16,80 +18,58 @@ public:
   bool clearPending = false;
   std::int64_t outputCount = 0;
 
+  /// -1 ends the stream.
   void emit(int code) {
-    if (code < 0) {
-      if (bitOffset_ > 0) out.append(group_, static_cast<std::size_t>(codeBits));
-      return;
+    for (int n = 0; code >= 0 && n < codeBits; ++n, ++bit_) {
+      if (bit_ % 8 == 0) group_[bit_ / 8] = 0;
+      group_[bit_ / 8] = static_cast<char>(group_[bit_ / 8] | (code >> n & 1) << bit_ % 8);
     }
-    pack(code);
-    bitOffset_ += codeBits;
-    if (bitOffset_ == codeBits * 8) writeGroup();
-    if (freeCode <= maxCode && !clearPending) return;
-    if (bitOffset_ > 0) writeGroup();
+    const bool changes = code >= 0 && (freeCode > maxCode || clearPending);
+    if (bit_ == codeBits * 8 || (bit_ > 0 && (code < 0 || changes))) {
+      out.append(group_, static_cast<std::size_t>(codeBits));
+      outputCount += codeBits;
+      bit_ = 0;
+    }
+    if (!changes) return;
     codeBits = clearPending ? 9 : codeBits + 1;
-    maxCode = codeBits == 16 ? 65536 : (1 << codeBits) - 1;
+    maxCode = maxCodeOf(codeBits);
     clearPending = false;
   }
 
 private:
-  /// Replaces what lies above the offset in the first byte, and all of the other bytes that the code touches.
-  void pack(int code) {
-    const int last = (bitOffset_ + codeBits - 1) / 8;
-    for (int byte = bitOffset_ / 8; byte <= last; ++byte) {
-      const int from = byte == bitOffset_ / 8 ? bitOffset_ % 8 : 0;
-      auto bits = static_cast<unsigned>(static_cast<unsigned char>(group_[byte])) & ((1U << from) - 1);
-      for (int bit = from; bit < 8; ++bit) {
-        const int n = byte * 8 + bit - bitOffset_;
-        if (n < codeBits && (code >> n & 1)) bits |= 1U << bit;
-      }
-      group_[byte] = static_cast<char>(bits);
-    }
-  }
-
-  void writeGroup() {
-    out.append(group_, static_cast<std::size_t>(codeBits));
-    outputCount += codeBits;
-    bitOffset_ = 0;
-  }
-
   char group_[16] = {};
-  int bitOffset_ = 0;
+  int bit_ = 0;
 };
 
-/// Compresses; `stringOfCode` (may be null) receives the string of each code since the last clear code.
-inline std::string compress(const std::string& data, std::vector<std::string>* stringOfCode = nullptr) {
+/// Compresses; `strings` (may be null) receives the string of each code since the last clear code.
+inline std::string compress(const std::string& data, std::vector<std::string>* strings = nullptr) {
   constexpr int size = 69001;
   std::vector<std::int32_t> hashCodes(size, -1);
   std::vector<std::uint16_t> codeTable(size);
   Packer packer;
   std::int64_t inputCount = 0, checkpoint = 10000, ratio = 0;
   int current = 0;
-  std::vector<std::string> strings(65536);
-  for (int c = 0; c < 256; ++c) strings[static_cast<std::size_t>(c)] = std::string(1, static_cast<char>(c));
+  if (strings) strings->resize(65536);
+  for (int c = 0; strings && c < 256; ++c) strings->at(c) = std::string(1, static_cast<char>(c));
   for (const char byte : data) {
     const int c = static_cast<unsigned char>(byte);
     if (++inputCount == 1) {
       current = c;
       continue;
     }
-    const int key = c << 16 | current;
-    int i = c << 8 ^ current;
-    bool found = hashCodes[i] == key;
-    if (!found && hashCodes[i] >= 0) {
-      const int step = i == 0 ? 1 : size - i;
-      do {
-        i -= step;
-        if (i < 0) i += size;
-        found = hashCodes[i] == key;
-      } while (!found && hashCodes[i] >= 1);
+    const int key = c << 16 | current, first = c << 8 ^ current;
+    int i = first;
+    while (hashCodes[i] != key && hashCodes[i] >= (i == first ? 0 : 1)) {
+      i -= first == 0 ? 1 : size - first;
+      if (i < 0) i += size;
     }
-    if (found) {
+    if (hashCodes[i] == key) {
       current = codeTable[i];
       continue;
     }
     packer.emit(current);
     if (packer.freeCode < 65536) {
-      if (stringOfCode) strings[packer.freeCode] = strings[current] + byte;
+      if (strings) strings->at(packer.freeCode) = strings->at(current) + byte;
       codeTable[i] = static_cast<std::uint16_t>(packer.freeCode++);
       hashCodes[i] = key;
     } else if (inputCount >= checkpoint) {
@@ -98,30 +78,23 @@ inline std::string compress(const std::string& data, std::vector<std::string>* s
       const std::int64_t now = inputCount < 8388608 ? (inputCount << 8) / packer.outputCount
                                : d == 0             ? 0x7FFFFFFF
                                                     : inputCount / d;
-      if (now > ratio) {
-        ratio = now;
-      } else {
-        ratio = 0;
+      packer.clearPending = now <= ratio;
+      ratio = packer.clearPending ? 0 : now;
+      if (packer.clearPending) {
         hashCodes.assign(size, -1);
         packer.freeCode = 258;
-        packer.clearPending = true;
         packer.emit(256);
       }
     }
     current = c;
   }
   if (data.empty()) packer.out.clear();
-  packer.emit(current);
-  packer.emit(257);
-  packer.emit(-1);
-  if (stringOfCode) *stringOfCode = strings;
+  for (const int code : {current, 257, -1}) packer.emit(code);
   return packer.out;
 }
 
-enum class End { code, damage };
-
-/// Expands. `length` (may be null) receives how many bytes of the stream were used.
-inline End decompress(const std::string& stream, std::string& out, std::size_t* length = nullptr) {
+/// Expands. False for a stream that does not end with the end code.
+inline bool decompress(const std::string& stream, std::string& out) {
   std::vector<int> prefix(65536), suffix(65536);
   for (int c = 0; c < 256; ++c) suffix[static_cast<std::size_t>(c)] = c;
   int codeBits = 9, maxCode = 511, freeCode = 258, bitOffset = 0, bitLimit = 0;
@@ -129,12 +102,9 @@ inline End decompress(const std::string& stream, std::string& out, std::size_t* 
   std::size_t at = 3, group = 3;
   const auto readCode = [&] {
     if (clearPending || bitOffset >= bitLimit || freeCode > maxCode) {
-      if (freeCode > maxCode) maxCode = ++codeBits == 16 ? 65536 : (1 << codeBits) - 1;
-      if (clearPending) {
-        codeBits = 9;
-        maxCode = 511;
-        clearPending = false;
-      }
+      codeBits = clearPending ? 9 : freeCode > maxCode ? codeBits + 1 : codeBits;
+      maxCode = maxCodeOf(codeBits);
+      clearPending = false;
       group = at;
       const std::size_t got = std::min(stream.size() - at, static_cast<std::size_t>(codeBits));
       at += got;
@@ -143,19 +113,14 @@ inline End decompress(const std::string& stream, std::string& out, std::size_t* 
       if (bitLimit < 1) return -1; // a code that is not whole is none
     }
     int code = 0;
-    for (int n = 0; n < codeBits; ++n) {
-      const auto bit = static_cast<std::size_t>(bitOffset + n);
-      code |= (stream[group + bit / 8] >> (bit % 8) & 1) << n;
-    }
-    bitOffset += codeBits;
+    for (int n = 0; n < codeBits; ++n, ++bitOffset)
+      code |= (stream[group + static_cast<std::size_t>(bitOffset / 8)] >> bitOffset % 8 & 1) << n;
     return code;
   };
   out.clear();
-  if (length) *length = 0;
-  if (stream.compare(0, 3, "\x1F\x9D\x90") != 0) return End::damage;
+  if (stream.compare(0, 3, "\x1F\x9D\x90") != 0) return false;
   int oldCode = readCode(), finalChar = oldCode & 0xFF;
-  if (oldCode == 257) return End::code;
-  if (oldCode < 0) return End::damage;
+  if (oldCode < 0 || oldCode == 257) return oldCode == 257;
   out += static_cast<char>(finalChar);
   for (;;) {
     int code = readCode();
@@ -164,9 +129,7 @@ inline End decompress(const std::string& stream, std::string& out, std::size_t* 
       freeCode = 257;
       code = readCode();
     }
-    if (length) *length = at;
-    if (code < 0) return End::damage;
-    if (code == 257) return End::code;
+    if (code < 0 || code == 257) return code == 257;
     std::string stack;
     const int incoming = code;
     if (code >= freeCode) {
@@ -174,7 +137,7 @@ inline End decompress(const std::string& stream, std::string& out, std::size_t* 
       code = oldCode;
     }
     for (int chain = 0; code >= 256; ++chain) {
-      if (chain == 65536) return End::damage;
+      if (chain == 65536) return false;
       stack += static_cast<char>(suffix[code]);
       code = prefix[code];
     }
