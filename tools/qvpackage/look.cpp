@@ -148,7 +148,7 @@ void setTime(const fs::path& path, std::int64_t seconds) {
   // Files have times that are counted in nanoseconds; what is far from all of them is left out.
   constexpr std::int64_t earliest = -2'000'000'000;
   constexpr std::int64_t latest = 15'000'000'000;
-  if (seconds < earliest || seconds > latest) return;
+  if (seconds == noTime || seconds < earliest || seconds > latest) return;
   std::error_code ignored;
   const auto time = std::chrono::sys_seconds(std::chrono::seconds(seconds));
   fs::last_write_time(

@@ -88,6 +88,7 @@ std::string dateText(std::int64_t seconds) {
   const std::time_t time = static_cast<std::time_t>(seconds);
   char text[32];
   const std::tm* local = std::localtime(&time);
-  if (!local || std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) == 0) return "-";
+  if (seconds == noTime || !local || std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) == 0)
+    return "-";
   return text;
 }

@@ -38,5 +38,8 @@ private:
 /// `text` as a JSON string, quotes included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string jsonString(const std::string& text);
 
-/// Seconds since 1970 as local date and time, as in "2026-01-31 23:59".
+/// The time stamp of an entry that has none.
+constexpr std::int64_t noTime = -1;
+
+/// Seconds since 1970 as local date and time, as in "2026-01-31 23:59"; "-" for `noTime`.
 [[nodiscard]] std::string dateText(std::int64_t seconds);
