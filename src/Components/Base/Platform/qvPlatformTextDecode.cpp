@@ -105,8 +105,8 @@ private:
       } else {
         const std::uint32_t code = codeOfFour(at.p);
         if (code < 0x10000 || code > 0x10FFFF) return at;
-        at = put(at, 0xD7C0 + (code >> 10), 0);
-        at = put(at, 0xDC00 | (code & 0x3FF), 4);
+        at = put(at, highOf(code), 0);
+        at = put(at, lowOf(code), 4);
       }
     }
     return at;

@@ -241,7 +241,7 @@ private:
   void surrogates() noexcept {
     const std::uint32_t c = *p_++;
     if (isHigh(c) && p_ != end_ && isLow(*p_)) {
-      to_ = putFour(0x10000 + ((c & 0x3FF) << 10 | (*p_++ & 0x3FFu)), to_);
+      to_ = putFour(joined(c, *p_++), to_);
     } else if (bad == Bad::Escape && isEscaped(c)) {
       to_ = putOne(c, to_);
     } else {

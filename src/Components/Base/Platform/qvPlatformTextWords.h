@@ -6,6 +6,7 @@
 // code; what is rare, and all that is ill-formed, goes one by one.
 #pragma once
 
+#include "Base/Platform/qvPlatformSurrogate.h"
 #include "Base/qvBase.h"
 
 #include <bit>
@@ -74,8 +75,5 @@ inline void narrow(const qv::WChar* from, char* to) noexcept {
 }
 
 constexpr bool isTrail(std::uint32_t b) noexcept { return (b & 0xC0) == 0x80; }
-constexpr bool isSurrogate(std::uint32_t c) noexcept { return (c & 0xF800) == 0xD800; }
-constexpr bool isHigh(std::uint32_t c) noexcept { return (c & 0xFC00) == 0xD800; }
-constexpr bool isLow(std::uint32_t c) noexcept { return (c & 0xFC00) == 0xDC00; }
 
 } // namespace qvPlatform::text

@@ -111,7 +111,9 @@ unsigned int MBStoWCS(const char* source, unsigned int sourceCount, qv::WChar* d
     if (counted.count >= destinationCount) return 0;
   }
   const qvPlatform::Converted made = decodeLocale(source, length, destination);
-  destination[made.count] = 0;
+  // Behind text with replacements the whole rest is zeroed, behind other text only a terminator stands.
+  std::fill_n(destination + made.count, made.valid ? std::size_t{1} : destinationCount - made.count,
+              qv::WChar());
   set(ok, made.valid);
   return static_cast<unsigned int>(made.count);
 }

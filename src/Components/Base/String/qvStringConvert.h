@@ -25,7 +25,8 @@ QV_BASE_API int getMultiByteStringSize(qv::WChar* destination, const char* sourc
 
 /// Text of the locale to wide. `sourceCount` doesn't cut a longer source: it refuses it, with 0. The
 /// destination needs room for the terminator, which is written: a size that isn't below `destinationCount`
-/// gives 0. Each byte that doesn't decode becomes `getDefaultWChar()`, with `*ok` false.
+/// gives 0. Each byte that doesn't decode becomes `getDefaultWChar()`, with `*ok` false and the rest of the
+/// destination zeroed.
 /// @return units without the terminator.
 QV_BASE_API unsigned int MBStoWCS(const char* source, unsigned int sourceCount, qv::WChar* destination,
                                   unsigned int destinationCount, bool* ok = nullptr) noexcept;

@@ -10,7 +10,7 @@
 namespace {
 
 template <class C>
-int formatInto(C* buffer, std::size_t size, const C* format, va_list args) noexcept {
+int formatWithin(C* buffer, std::size_t size, const C* format, va_list args) noexcept {
   if (!buffer || size == 0) return -1;
   const std::size_t length = qvString::formatText(buffer, size, format, args);
   return length >= size - 1 || length > INT_MAX ? -1 : static_cast<int>(length);
@@ -19,25 +19,25 @@ int formatInto(C* buffer, std::size_t size, const C* format, va_list args) noexc
 } // namespace
 
 int QL_vsnprintf(char* buffer, std::size_t size, const char* format, va_list args) noexcept {
-  return formatInto(buffer, size, format, args);
+  return formatWithin(buffer, size, format, args);
 }
 
 int QL_snprintf(char* buffer, std::size_t size, const char* format, ...) noexcept {
   va_list args;
   va_start(args, format);
-  const int length = formatInto(buffer, size, format, args);
+  const int length = formatWithin(buffer, size, format, args);
   va_end(args);
   return length;
 }
 
 int QL_vswprintf(qv::WChar* buffer, std::size_t size, const qv::WChar* format, va_list args) noexcept {
-  return formatInto(buffer, size, format, args);
+  return formatWithin(buffer, size, format, args);
 }
 
 int QL_swprintf(qv::WChar* buffer, std::size_t size, const qv::WChar* format, ...) noexcept {
   va_list args;
   va_start(args, format);
-  const int length = formatInto(buffer, size, format, args);
+  const int length = formatWithin(buffer, size, format, args);
   va_end(args);
   return length;
 }

@@ -20,20 +20,17 @@ inline constexpr unsigned int formatBufferSize = 256;
 /// @return the new length of `out`, or `npos`.
 template <class C>
 unsigned int formatInto(std::basic_string<C>& out, unsigned int bufferSize, const C* format, va_list args) {
-  va_list again;
-  va_copy(again, args);
   Scratch<C> first(std::max(bufferSize, 1u));
   const std::size_t length = formatText(first.data(), first.size(), format, args);
-  const bool fits = length < first.size();
-  const bool sound = length > 0 && length < INT_MAX;
-  if (sound && fits) out.assign(first.data());
-  if (sound && !fits) {
+  if (length == 0 || length >= INT_MAX) return String::npos;
+  if (length < first.size()) {
+    out.assign(first.data());
+  } else {
     Scratch<C> second(length + 1);
-    formatText(second.data(), second.size(), format, again);
+    formatText(second.data(), second.size(), format, args);
     out.assign(second.data());
   }
-  va_end(again);
-  return sound ? static_cast<unsigned int>(out.size()) : String::npos;
+  return static_cast<unsigned int>(out.size());
 }
 
 } // namespace qvString

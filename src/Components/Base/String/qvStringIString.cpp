@@ -4,6 +4,7 @@
 #include "Base/String/qvStringCString.h"
 #include "Base/String/qvStringCharacter.h"
 #include "Base/String/qvStringFormatInto.h"
+#include "Base/String/qvStringLocale.h"
 #include "Base/String/qvStringScan.h"
 #include "Base/String/qvStringScratch.h"
 
@@ -30,44 +31,30 @@ struct IString::Record {
     stale = true;
     conversionState = NobodyAsked;
   }
-  void encode(Encoding encoding, bool* ok);
   unsigned int format(unsigned int bufferSize, const WChar* format, va_list args) {
     const unsigned int result = formatInto(wide, bufferSize, format, args);
     if (result != npos) changed();
     return result;
   }
+
+  /// Makes `multibyte`, which keeps its old bytes if none come out, and notes how that went if `ok` asks for
+  /// it.
+  void encode(Encoding encoding, bool* ok) {
+    const auto convert = encoding == UTF8Encoding ? &WCStoUTF8 : &WCStoMBS;
+    const unsigned int size = convert(wide.c_str(), String::npos, nullptr, 0, nullptr);
+    if (size == 0) {
+      multibyte.clear();
+      conversionState = LostSomething;
+      return;
+    }
+    Scratch<char> bytes(std::size_t{size} + 1);
+    const unsigned int count = convert(wide.c_str(), String::npos, bytes.data(), size + 1, ok);
+    if (ok) conversionState = *ok ? Clean : LostSomething;
+    if (count > 0) multibyte.assign(bytes.data(), count);
+  }
 };
 
-/// Makes `multibyte`, which keeps its old bytes if none come out, and notes how that went if `ok` asks for
-/// it.
-void IString::Record::encode(Encoding encoding, bool* ok) {
-  const auto convert = encoding == UTF8Encoding ? &WCStoUTF8 : &WCStoMBS;
-  const unsigned int size = convert(wide.c_str(), String::npos, nullptr, 0, nullptr);
-  if (size == 0) {
-    multibyte.clear();
-    conversionState = LostSomething;
-    return;
-  }
-  Scratch<char> bytes(std::size_t{size} + 1);
-  const unsigned int count = convert(wide.c_str(), String::npos, bytes.data(), size + 1, ok);
-  if (ok) conversionState = *ok ? Clean : LostSomething;
-  if (count > 0) multibyte.assign(bytes.data(), count);
-}
-
 namespace {
-
-/// Text as the C runtime collates it. A surrogate without its partner stays as it is.
-std::wstring collationForm(const WChar* chars) {
-  std::wstring form;
-  for (; *chars; ++chars) {
-    const auto high = static_cast<std::uint32_t>(chars[0]);
-    const auto low = static_cast<std::uint32_t>(chars[1]);
-    const bool pair = sizeof(wchar_t) > 2 && high >> 10 == 0xD800 >> 10 && low >> 10 == 0xDC00 >> 10;
-    form += static_cast<wchar_t>(pair ? 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00) : high);
-    if (pair) ++chars;
-  }
-  return form;
-}
 
 /// Tells quickly, and sometimes falsely, that a character is in a set; never falsely that it is not.
 class Sieve {
@@ -151,9 +138,10 @@ IString& IString::append(const WChar* chars) {
   return append(added.data(), added.size());
 }
 IString& IString::append(const WChar* chars, std::size_t count) {
-  if (!chars) return *this;
-  checkLength(str_->wide.size(), count);
-  str_->wide.append(chars, count);
+  if (chars) {
+    checkLength(str_->wide.size(), count);
+    str_->wide.append(chars, count);
+  }
   str_->changed();
   return *this;
 }
@@ -289,7 +277,7 @@ bool IString::isAscii() const { return allAscii(view()); }
 
 int IString::compare(const IString& other) const { return compareText(view(), other.view()); }
 int IString::collate(const IString& other) const {
-  return std::wcscoll(collationForm(asWChar()).c_str(), collationForm(other.asWChar()).c_str());
+  return std::wcscoll(runtimeForm(asWChar()).c_str(), runtimeForm(other.asWChar()).c_str());
 }
 int IString::compareNoCase(const IString& other) const {
   // What is compared are copies, which end at the first NUL.

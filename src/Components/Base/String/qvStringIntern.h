@@ -75,6 +75,7 @@ using ConstantIString = ConstantString<IString>;
 using DynamicCString = DynamicString<CString>;
 using DynamicIString = DynamicString<IString>;
 
+static_assert(sizeof(InternalString<CString>) == sizeof(CString) + 8);
 static_assert(sizeof(ConstantCString) == sizeof(void*) && sizeof(DynamicIString) == sizeof(void*));
 
 /// The handle of the one record for `text`, added if absent and kept for good. A null text is an empty one.

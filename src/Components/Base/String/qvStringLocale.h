@@ -8,6 +8,7 @@
 
 #include <climits>
 #include <cwchar>
+#include <string>
 
 namespace qvString {
 
@@ -64,5 +65,9 @@ public:
 private:
   Character convert(const qv::WChar* p, std::size_t available) noexcept;
 };
+
+/// Terminated wide text as the runtime's own wide functions read it. A surrogate without its partner stays as
+/// it is.
+[[nodiscard]] std::wstring runtimeForm(const qv::WChar* chars);
 
 } // namespace qvString

@@ -47,4 +47,6 @@ private:
   bool owner;
 };
 
+static_assert(sizeof(ImplBase) == sizeof(void*) && sizeof(ImplHandle) == 2 * sizeof(void*));
+
 } // namespace qv

@@ -35,6 +35,8 @@ private:
   mutable int refs_; // holders of a constant object count, too
 };
 
+static_assert(sizeof(ReferenceCount) == 2 * sizeof(void*));
+
 /// Holds an object that has `ref` and `unref`, and counts as one of its holders; may be null. As large as a
 /// pointer.
 template <class T>

@@ -77,7 +77,7 @@ private:
   qvString::IString* msg_; // null if there is no message
 };
 
-static_assert(sizeof(Error) == 2 * sizeof(void*) + sizeof(void*));
+static_assert(sizeof(Error) == 3 * sizeof(void*));
 
 inline void swap(Error& a, Error& b) noexcept { a.swap(b); }
 

@@ -48,8 +48,10 @@ protected:
 private:
   void addInit();
 
-  const char* sourceFile_;
+  const char* sourceFile_; // a label for debuggers: nothing reads it
   int count_;
 };
+
+static_assert(sizeof(Initializer) == 3 * sizeof(void*));
 
 } // namespace qvUtil

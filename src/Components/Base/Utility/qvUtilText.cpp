@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace qvUtil {
 
@@ -13,19 +14,21 @@ using qv::WChar;
 using qvString::CString;
 using qvString::IString;
 
-const char* charsOf(const CString& text) { return text.asChar(); }
-const WChar* charsOf(const IString& text) { return text.asWChar(); }
-
 template <class String, class C>
 void addTo(qv::vector<String>& parts, const C* chars, std::size_t count) {
   parts.emplace_back().append(chars, count);
 }
 
+/// What a copy of a text holds: all bytes, but wide characters up to the first NUL only.
+std::string_view viewOfCopy(const CString& text) { return text.view(); }
+std::basic_string_view<WChar> viewOfCopy(const IString& text) { return text.asWChar(); }
+
 template <class String, class IsSeparator>
 qv::vector<String> splitAt(const String& text, IsSeparator isSeparator, bool skipEmpty, bool keepSeparators) {
   qv::vector<String> parts;
-  const auto* const chars = charsOf(text);
-  const std::size_t length = text.length();
+  const auto copy = viewOfCopy(text);
+  const auto* const chars = copy.data();
+  const std::size_t length = copy.size();
   std::size_t start = 0;
   for (std::size_t i = 0; i < length; ++i) {
     if (!isSeparator(chars[i])) continue;
@@ -48,7 +51,7 @@ String joined(const qv::vector<String>& parts) {
   for (const String& part : parts) length += part.length();
   String all;
   all.reserve(static_cast<unsigned int>(std::min<std::size_t>(length, all.maxSize())));
-  for (const String& part : parts) all.append(charsOf(part), part.length());
+  for (const String& part : parts) all.append(part);
   return all;
 }
 

@@ -11,7 +11,8 @@ namespace qvUtil {
 /// Cuts `text` at each separator. Neighbouring separators, and one at the start, give empty elements unless
 /// `skipEmpty`; one at the very end gives none, so a text of two elements needs one separator between them.
 /// With `keepSeparators` each separator is an element of its own and there are no empty elements. An empty
-/// text gives an empty result. Linear in the length of `text`.
+/// text gives an empty result. Wide text is taken up to its first NUL, as by every copy of one. Linear in the
+/// length of `text`.
 [[nodiscard]] QV_BASE_API qv::vector<qvString::CString>
 split(const qvString::CString& text, bool (*isSeparator)(char), bool skipEmpty, bool keepSeparators);
 [[nodiscard]] QV_BASE_API qv::vector<qvString::CString> split(const qvString::CString& text, char separator,
