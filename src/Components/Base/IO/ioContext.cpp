@@ -23,8 +23,6 @@ void ioContext::associateReferenceMap(ioReferenceMap* map) {
   referenceMap_ = map ? qv::Reference<ioReferenceMap>(map) : ioPacketFileNewReferenceMap();
 }
 
-ioReferenceMap* ioContext::getReferenceMap() const noexcept { return referenceMap_.get(); }
-
 bool ioContext::isReferenceDefined(int reference) const { return referenceMap_->isDefined(reference); }
 bool ioContext::isReferenceDefined(const void* address) const {
   return referenceMap_->isDefined(referenceMap_->referenceOf(address));
@@ -51,18 +49,6 @@ void ioContext::fatalError() const {
   ioPacketFileAbort();
 }
 
-ioPacketType* ioContext::currentType() const noexcept {
-  return currentBuffer_ ? currentBuffer_->packetType() : nullptr;
-}
-
-void ioContext::pushPacket() {
-  if (stackTop_ + 1 == stackCapacity_) growStack();
-  std::unique_ptr<ioPacketFileBuffer>& slot = bufferStack_[++stackTop_];
-  if (!slot) slot = newBuffer();
-  setBuffer(slot.get());
-  currentBuffer_ = slot.get();
-}
-
 void ioContext::growStack() {
   auto larger = std::make_unique<std::unique_ptr<ioPacketFileBuffer>[]>(std::size_t(stackCapacity_) * 2);
   std::move(bufferStack_.get(), bufferStack_.get() + stackCapacity_, larger.get());
@@ -70,10 +56,9 @@ void ioContext::growStack() {
   stackCapacity_ *= 2;
 }
 
-void ioContext::popPacket() {
-  --stackTop_;
-  currentBuffer_ = stackTop_ < 0 ? nullptr : bufferStack_[stackTop_].get();
-  setBuffer(currentBuffer_);
+void ioContext::makeBuffer() {
+  bufferStack_[stackTop_] = newBuffer();
+  currentBuffer_ = bufferStack_[stackTop_].get();
 }
 
 void ioContext::promoteStreamStatus(const ioBufferedStream& stream) noexcept {

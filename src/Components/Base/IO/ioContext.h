@@ -6,6 +6,7 @@
 #include "Base/IO/ioStatus.h"
 #include "Base/qvBase.h"
 
+#include <cstddef>
 #include <memory>
 
 class ioBufferedStream;
@@ -40,7 +41,7 @@ public:
 
   /// Shares `map`, so that packet files can refer to each other's objects. Null gives a new map.
   void associateReferenceMap(ioReferenceMap* map);
-  [[nodiscard]] ioReferenceMap* getReferenceMap() const noexcept;
+  [[nodiscard]] ioReferenceMap* getReferenceMap() const noexcept { return referenceMap_.get(); }
 
   /// Whether the object's packet came by, or its address is known.
   [[nodiscard]] bool isReferenceDefined(int reference) const;
@@ -64,12 +65,19 @@ protected:
   ioContext();
 
   /// Opens a packet: makes the next level's buffer current. The buffer is not reset.
-  void pushPacket();
+  void pushPacket() {
+    if (++stackTop_ == stackCapacity_) growStack();
+    currentBuffer_ = bufferStack_[stackTop_].get();
+    if (!currentBuffer_) makeBuffer();
+    setBuffer(currentBuffer_);
+  }
   /// Closes the current packet and goes back to the one around it.
-  void popPacket();
+  void popPacket() {
+    --stackTop_;
+    currentBuffer_ = stackTop_ < 0 ? nullptr : bufferStack_[stackTop_].get();
+    setBuffer(currentBuffer_);
+  }
   [[nodiscard]] ioPacketFileBuffer* currentBuffer() const noexcept { return currentBuffer_; }
-  /// The type of the current packet, or null.
-  [[nodiscard]] ioPacketType* currentType() const noexcept;
 
   void setStatus(ioStatus status) noexcept { status_ = status; }
   /// Takes over the stream's status, if it has one. A stream that ended early is bad data.
@@ -77,6 +85,7 @@ protected:
 
 private:
   void growStack();
+  void makeBuffer();
 
   ioPacketRegistry* registry_ = nullptr;
   ioPacketFileBuffer* currentBuffer_ = nullptr;

@@ -65,24 +65,28 @@ const char* ioPacketFileBinaryBuffer::getCString() noexcept {
 }
 
 void ioPacketFileBinaryBuffer::startPacket(ioWriteContext&, bool hasReference, const ioPacketType* type) {
-  cursor_ = 0;
+  const int header[3] = {type ? type->getId() : -1, hasReference, 0};
+  static_assert(sizeof header == headerSize);
+  std::memcpy(data_.get(), header, headerSize);
+  cursor_ = headerSize;
   tooLarge_ = false;
-  put(type ? type->getId() : -1);
-  put(static_cast<int>(hasReference));
-  put(0);
-  levels_.assign(1, Level());
+  startLevels();
 }
 
 void ioPacketFileBinaryBuffer::endPacket(ioWriteContext& context, ioBufferedStreamOutput& stream) {
   levels_.pop_back();
-  const int end = cursor_;
-  cursor_ = bodySizeAt;
-  put(end - headerSize);
-  cursor_ = end;
+  const int bodySize = cursor_ - headerSize;
+  std::memcpy(data_.get() + bodySizeAt, &bodySize, sizeof bodySize);
   if (tooLarge_)
     context.misused();
   else if (packetValid())
     stream.writeData(data_.get(), cursor_);
+}
+
+/// The level of the packet itself, and no other, whatever the last packet left open.
+void ioPacketFileBinaryBuffer::startLevels() {
+  levels_.clear();
+  levels_.emplace_back();
 }
 
 /// Sizes go through the context, so that a tagged one gets its tag.
@@ -116,16 +120,18 @@ void ioPacketFileBinaryBuffer::endSubPacket(ioWriteContext& context) {
 }
 
 int ioPacketFileBinaryBuffer::readPacketHeader(ioReadContext& context, ioBufferedStreamInput& stream) {
-  auto& binary = static_cast<ioReadContextBinary&>(context);
-  const int typeId = binary.readHeaderInt(stream);
-  const int referenceMode = binary.readHeaderInt(stream);
-  const int bodySize = binary.readHeaderInt(stream);
+  const auto& binary = static_cast<const ioReadContextBinary&>(context);
+  char header[headerSize] = {};
+  stream.readData(header, headerSize);
+  const int typeId = binary.readHeaderInt(header);
+  const int referenceMode = binary.readHeaderInt(header + 4);
+  const int bodySize = binary.readHeaderInt(header + bodySizeAt);
   setPacketType(nullptr);
   if (typeId < 0 || bodySize < 0) return 0;
   setPacketType(context.lookupType(typeId));
   readBody(stream, bodySize);
   cursor_ = 0;
-  levels_.assign(1, Level());
+  startLevels();
   levels_.back().endOffset = end_;
   return referenceMode;
 }
@@ -137,7 +143,7 @@ void ioPacketFileBinaryBuffer::readBody(ioBufferedStreamInput& stream, int size)
   while (end_ < size && stream.good()) {
     const int step = std::min(size - end_, std::max(end_, firstStep));
     cursor_ = end_;
-    if (!makeRoom(static_cast<std::size_t>(step))) break;
+    if (step > capacity_ - cursor_ && !makeRoom(static_cast<std::size_t>(step))) break;
     end_ += std::clamp(stream.readData(data_.get() + end_, step), 0, step);
   }
   data_[end_] = '\0';

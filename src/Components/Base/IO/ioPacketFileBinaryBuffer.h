@@ -76,6 +76,7 @@ private:
   [[nodiscard]] bool makeRoom(std::size_t size);
   void reallocate(int capacity);
   void patchSize(ioWriteContext& context, int at);
+  void startLevels();
   void readBody(ioBufferedStreamInput& stream, int size);
   [[nodiscard]] int getEnd(ioReadContext& context);
 

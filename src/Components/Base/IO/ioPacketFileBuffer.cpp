@@ -4,14 +4,6 @@
 
 ioPacketFileBuffer::~ioPacketFileBuffer() = default;
 
-void ioPacketFileBuffer::reset() {
-  if (!chunkFlags_) chunkFlags_ = std::make_unique<unsigned char[]>(flagCapacity_);
-  depth_ = 0;
-  chunkFlags_[0] = 0;
-  packetType_ = nullptr;
-  packetValid_ = true;
-}
-
 void ioPacketFileBuffer::goDeeper() {
   if (++depth_ == flagCapacity_) {
     auto larger = std::make_unique<unsigned char[]>(std::size_t(flagCapacity_) * 2);

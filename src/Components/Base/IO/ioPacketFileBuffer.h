@@ -5,6 +5,7 @@
 
 #include "Base/qvBase.h"
 
+#include <cstddef>
 #include <memory>
 
 class ioBufferedStreamInput;
@@ -47,7 +48,13 @@ public:
   virtual void endSubPacketRead(ioReadContext& context) = 0;
 
   /// Makes this the buffer of a new packet: depth 0, no chunk open, valid, without a type.
-  void reset();
+  void reset() {
+    if (!chunkFlags_) chunkFlags_ = std::make_unique<unsigned char[]>(std::size_t(flagCapacity_));
+    depth_ = 0;
+    chunkFlags_[0] = 0;
+    packetType_ = nullptr;
+    packetValid_ = true;
+  }
   /// One sub-packet deeper, with no chunk open there.
   void goDeeper();
   /// One sub-packet up. The depth is not 0.
@@ -70,3 +77,8 @@ private:
   bool packetValid_ = true;
   ioPacketType* packetType_ = nullptr;
 };
+
+/// The type of the packet in `buffer`; null where there is no buffer or no type.
+[[nodiscard]] inline ioPacketType* ioPacketTypeOf(const ioPacketFileBuffer* buffer) noexcept {
+  return buffer ? buffer->packetType() : nullptr;
+}

@@ -40,19 +40,19 @@ void ioReadContext::defineReferenceAlias(int reference, void* address) { define(
 
 void ioReadContext::define(int reference, void* address, bool alias) {
   getReferenceMap()->defineAddress(reference, address, alias);
-  getReferenceMap()->markDefined(reference, currentType());
+  getReferenceMap()->markDefined(reference, ioPacketTypeOf(currentBuffer()));
   if (reference == packetReference_) packetReferenceDefined_ = true;
 }
 
 void ioReadContext::resolveReference(int reference, void* slot, int extra) {
-  getReferenceMap()->resolveUsage(reference, slot, currentType(), extra);
+  getReferenceMap()->resolveUsage(reference, slot, ioPacketTypeOf(currentBuffer()), extra);
 }
 
 void ioReadContext::useReference(const void* address) {
   useReference(getReferenceMap()->referenceOf(address));
 }
 void ioReadContext::useReference(int reference) {
-  getReferenceMap()->useDefinition(reference, currentType());
+  getReferenceMap()->useDefinition(reference, ioPacketTypeOf(currentBuffer()));
 }
 
 ioStatus ioReadContext::readFile(ioClientReadContext& client) {
@@ -106,7 +106,7 @@ void ioReadContext::readBody(ioClientReadContext& client, bool hasReference) {
 }
 
 void ioReadContext::stopUndefined() const {
-  ioPacketFileError("ioPacketFile: A packet type: '%s'\n", currentType()->getName());
+  ioPacketFileError("ioPacketFile: A packet type: '%s'\n", ioPacketTypeOf(currentBuffer())->getName());
   ioPacketFileError("  had a reference associated with it but no \n");
   ioPacketFileError("  definition was provided by the client code.\n");
   // Prints whether the reference is defined, so always 0, and not its number.

@@ -1,7 +1,5 @@
 #include "Base/IO/ioReadContextBinary.h"
 
-#include "Base/IO/ioBufferedStream.h"
-
 ioReadContextBinary::~ioReadContextBinary() = default;
 
 void ioReadContextBinary::fetchBoolArray(bool* values, int count) {
@@ -10,12 +8,4 @@ void ioReadContextBinary::fetchBoolArray(bool* values, int count) {
 
 std::unique_ptr<ioPacketFileBuffer> ioReadContextBinary::newBuffer() const {
   return std::make_unique<ioPacketFileBinaryBuffer>();
-}
-
-int ioReadContextBinary::readStoredInt(ioBufferedStreamInput& stream) {
-  int value = 0;
-  char bytes[sizeof value] = {};
-  stream.readData(bytes, sizeof bytes);
-  std::memcpy(&value, bytes, sizeof value);
-  return value;
 }

@@ -23,8 +23,8 @@ public:
   void fetchUCharArray(unsigned char* values, int count) override { getArray(values, count); }
   [[nodiscard]] char readTypeTag() override { return get<char>(); }
 
-  /// Reads one field of a packet's header.
-  [[nodiscard]] virtual int readHeaderInt(ioBufferedStreamInput& stream) = 0;
+  /// The number that a field of a packet's header holds, from its four bytes in the stream.
+  [[nodiscard]] virtual int readHeaderInt(const char* field) const = 0;
 
 protected:
   [[nodiscard]] std::unique_ptr<ioPacketFileBuffer> newBuffer() const override;
@@ -41,8 +41,6 @@ protected:
   void getArray(T* values, int count) noexcept {
     if (buffer_ && count > 0) buffer_->getBytes(values, sizeof(T) * static_cast<std::size_t>(count));
   }
-  /// The field as it stands in the stream.
-  [[nodiscard]] static int readStoredInt(ioBufferedStreamInput& stream);
 
 private:
   ioPacketFileBinaryBuffer* buffer_ = nullptr;
@@ -72,8 +70,10 @@ public:
   void fetchFloatArray(float* values, int count) override { orderedArray(values, count); }
   void fetchDoubleArray(double* values, int count) override { orderedArray(values, count); }
 
-  [[nodiscard]] int readHeaderInt(ioBufferedStreamInput& stream) override {
-    return swapped ? ioByteOrder::reversed(readStoredInt(stream)) : readStoredInt(stream);
+  [[nodiscard]] int readHeaderInt(const char* field) const override {
+    int value;
+    std::memcpy(&value, field, sizeof value);
+    return swapped ? ioByteOrder::reversed(value) : value;
   }
 
 private:

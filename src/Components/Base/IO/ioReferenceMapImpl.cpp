@@ -8,22 +8,13 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace {
 
-constexpr int blockSize = 1250;
-
-/// How far blocks may reach: numbers up to here make sense for so many references.
+/// How far records may reach: numbers up to here make sense for so many references.
 std::int64_t reach(int numSeen) { return 20000 + std::int64_t(numSeen) * 8; }
-
-/// Small files stay small, and large ones do not grow one block at a time.
-int grownSlotCount(int needed) {
-  for (const int step : {10, 100, 1000})
-    if (needed < step) return step;
-  return static_cast<int>(
-      std::min<std::int64_t>(std::int64_t(needed) + 20000, std::numeric_limits<int>::max()));
-}
 
 /// The slot is a pointer of the client's own type.
 void store(void* slot, void* address) {
@@ -32,57 +23,53 @@ void store(void* slot, void* address) {
 
 } // namespace
 
-struct ioReferenceMapImpl::Block {
-  int made; // how many records are constructed
-  Record records[blockSize];
-};
-
-void ioReferenceMapImpl::FreeBlock::operator()(Block* block) const noexcept { std::free(block); }
-
 ioReferenceMap::~ioReferenceMap() = default;
 ioReferenceMapImpl::~ioReferenceMapImpl() = default;
+
+void ioReferenceMapImpl::FreeBlock::operator()(Record* records) const noexcept { std::free(records); }
 
 qv::Reference<ioReferenceMap> ioPacketFileNewReferenceMap() {
   return qv::Reference<ioReferenceMap>(new ioReferenceMapImpl);
 }
 
-ioReferenceMapImpl::Record* ioReferenceMapImpl::find(int reference) const noexcept {
-  if (reference < 1) return nullptr;
-  if (reference >= slotCount_) {
-    const auto found = outliers_.find(reference);
-    return found == outliers_.end() ? nullptr : const_cast<Record*>(&found->second);
-  }
-  const std::unique_ptr<Block, FreeBlock>& block = blocks_[reference / blockSize];
-  return block && reference % blockSize < block->made ? &block->records[reference % blockSize] : nullptr;
+inline ioReferenceMapImpl::Record& ioReferenceMapImpl::inBlock(int reference) const noexcept {
+  const auto number = static_cast<unsigned int>(reference);
+  return blocks_[number / blockSize].get()[number % blockSize];
+}
+
+inline const ioReferenceMapImpl::Record* ioReferenceMapImpl::find(int reference) const noexcept {
+  if (reference > 0 && reference < numRecords_) return &inBlock(reference);
+  if (outliers_.empty()) return nullptr;
+  const auto found = outliers_.find(reference);
+  return found == outliers_.end() ? nullptr : &found->second;
 }
 
 /// The record of a number above 0, made if need be and marked as seen.
-ioReferenceMapImpl::Record& ioReferenceMapImpl::touch(int reference) {
-  if (reference >= slotCount_ && reference <= reach(numSeen_)) grow(reference);
-  Record& record = reference < slotCount_ ? makeInBlock(reference) : outliers_[reference];
+inline ioReferenceMapImpl::Record& ioReferenceMapImpl::touch(int reference) {
+  Record& record = reference < numRecords_ ? inBlock(reference) : make(reference);
   if (!record.seen) ++numSeen_;
   record.seen = true;
   return record;
 }
 
-void ioReferenceMapImpl::grow(int reference) {
-  slotCount_ = grownSlotCount(reference);
-  blocks_.resize(slotCount_ / blockSize + 1);
-  const auto end = outliers_.lower_bound(slotCount_);
-  for (auto at = outliers_.begin(); at != end; ++at) makeInBlock(at->first) = at->second;
+ioReferenceMapImpl::Record& ioReferenceMapImpl::make(int reference) {
+  if (reference > reach(numSeen_) || reference == std::numeric_limits<int>::max())
+    return outliers_[reference];
+  for (; numRecords_ <= reference; ++numRecords_) {
+    if (numRecords_ % blockSize == 0) addBlock();
+    new (&inBlock(numRecords_)) Record;
+  }
+  const auto end = outliers_.lower_bound(numRecords_);
+  for (auto at = outliers_.begin(); at != end; ++at) inBlock(at->first) = at->second;
   outliers_.erase(outliers_.begin(), end);
+  return inBlock(reference);
 }
 
-ioReferenceMapImpl::Record& ioReferenceMapImpl::makeInBlock(int reference) {
-  std::unique_ptr<Block, FreeBlock>& block = blocks_[reference / blockSize];
-  const int index = reference % blockSize;
-  if (!block) {
-    block.reset(static_cast<Block*>(std::malloc(sizeof(Block))));
-    if (!block) throw std::bad_alloc();
-    block->made = 0;
-  }
-  for (; block->made <= index; ++block->made) new (&block->records[block->made]) Record;
-  return block->records[index];
+void ioReferenceMapImpl::addBlock() {
+  static_assert(std::is_trivially_destructible_v<Record> && sizeof(Record) == 24);
+  void* const block = std::malloc(sizeof(Record) * blockSize);
+  if (!block) throw std::bad_alloc();
+  blocks_.emplace_back(static_cast<Record*>(block));
 }
 
 int ioReferenceMapImpl::newReference(const void* address) {
@@ -90,32 +77,48 @@ int ioReferenceMapImpl::newReference(const void* address) {
     ioPacketFileError("ioPacketFile: There are no more reference numbers.\n");
     ioPacketFileAbort();
   }
-  ++lastReference_;
-  defineAddress(lastReference_, const_cast<void*>(address), false);
+  ioReferenceMapImpl::defineAddress(++lastReference_, const_cast<void*>(address), false);
   return lastReference_;
 }
 
 void ioReferenceMapImpl::defineAddress(int reference, void* address, bool alias) {
   if (!address || reference < 1) return;
-  unindexed_.push_back({address, reference});
   Record& record = touch(reference);
-  record.address = address;
   record.alias = alias;
+  if (record.address != address) setAddress(record, reference, address);
+  unindexed_.push_back(reference);
+}
+
+/// An address keeps its number also when the number's object is another one by now.
+void ioReferenceMapImpl::setAddress(Record& record, int reference, void* address) {
+  if (record.address && lookup(record.address) == reference) formerAddresses_[record.address] = reference;
+  record.address = address;
 }
 
 /// Readers define many addresses and seldom look one up: the hash catches up when it is asked.
 void ioReferenceMapImpl::indexAddresses() const {
-  for (const Definition& definition : unindexed_) addresses_.set(definition.address, definition.reference);
+  const auto addressOf = [this](int number) { return find(number)->address; };
+  for (const int reference : unindexed_) {
+    const void* const address = addressOf(reference);
+    if (!formerAddresses_.empty()) formerAddresses_.erase(address);
+    addresses_.set(address, reference, addressOf);
+  }
   unindexed_.clear();
+}
+
+/// The number of an address that is not null; 0 if it never had one.
+int ioReferenceMapImpl::lookup(const void* address) const {
+  if (!unindexed_.empty()) indexAddresses();
+  const int reference = addresses_.find(address, [this](int number) { return find(number)->address; });
+  if (reference || formerAddresses_.empty()) return reference;
+  const auto former = formerAddresses_.find(address);
+  return former == formerAddresses_.end() ? 0 : former->second;
 }
 
 int ioReferenceMapImpl::referenceOf(const void* address) const {
   if (!address) return 0;
-  if (!unindexed_.empty()) indexAddresses();
-  const int reference = addresses_.find(address);
-  if (reference == 0) return -1;
-  const Record* const record = find(reference);
-  return record && record->live ? reference : -1;
+  const int reference = lookup(address);
+  return reference && find(reference)->live ? reference : -1;
 }
 
 bool ioReferenceMapImpl::isDefined(int reference) const {
@@ -133,7 +136,7 @@ void ioReferenceMapImpl::markDefined(int reference, ioPacketType* type) {
   Record& record = touch(reference);
   record.definingType = type;
   record.defined = true;
-  while (const unsigned int waiting = record.pending) {
+  while (const std::uint32_t waiting = record.pending) {
     Pending& pending = pendings_[waiting];
     store(pending.slot, record.address);
     record.pending = std::exchange(pending.next, freePending_);
@@ -141,21 +144,23 @@ void ioReferenceMapImpl::markDefined(int reference, ioPacketType* type) {
   }
 }
 
-void ioReferenceMapImpl::countUse(Record& record) noexcept {
-  if (record.usages < std::numeric_limits<int>::max()) ++record.usages;
-}
-
 void ioReferenceMapImpl::wait(Record& record, void* slot, ioPacketType* type, int extra) {
-  unsigned int place = freePending_;
+  std::uint32_t place = freePending_;
   if (place) {
     freePending_ = pendings_[place].next;
   } else {
-    if (pendings_.size() > std::numeric_limits<unsigned int>::max()) throw std::bad_alloc();
-    place = static_cast<unsigned int>(pendings_.size());
+    if (pendings_.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+    place = static_cast<std::uint32_t>(pendings_.size());
     pendings_.emplace_back();
   }
   pendings_[place] = {slot, type, extra, record.pending};
   record.pending = place;
+}
+
+/// Counts a use, up to the greatest count that fits.
+static void countUse(auto& record) {
+  constexpr std::uint32_t most = (1u << 28) - 1;
+  if (record.usages < most) ++record.usages;
 }
 
 void ioReferenceMapImpl::useDefinition(int reference, ioPacketType* type) {
@@ -178,6 +183,7 @@ void ioReferenceMapImpl::resolveUsage(int reference, void* slot, ioPacketType* t
 
 void ioReferenceMapImpl::undefineNumber(int reference) {
   if (reference < 1) return;
+  if (!unindexed_.empty()) indexAddresses(); // while the address is there
   Record& record = touch(reference);
   record.live = false;
   record.address = nullptr;
@@ -187,11 +193,7 @@ void ioReferenceMapImpl::undefineAddress(void* address) { undefineNumber(referen
 
 /// The next number above `reference` that has a record, or 0.
 int ioReferenceMapImpl::nextReference(int reference) const noexcept {
-  for (int next = reference + 1; next < slotCount_;) {
-    const std::unique_ptr<Block, FreeBlock>& block = blocks_[next / blockSize];
-    if (block && next % blockSize < block->made) return next;
-    next = (next / blockSize + 1) * blockSize;
-  }
+  if (reference + 1 < numRecords_) return reference + 1;
   const auto found = outliers_.upper_bound(reference);
   return found == outliers_.end() ? 0 : found->first;
 }
@@ -199,7 +201,7 @@ int ioReferenceMapImpl::nextReference(int reference) const noexcept {
 /// A copy, since what is told of the usages may change them.
 std::vector<ioReferenceMapImpl::Pending> ioReferenceMapImpl::waitingFor(const Record& record) const {
   std::vector<Pending> result;
-  for (unsigned int at = record.pending; at; at = pendings_[at].next) result.push_back(pendings_[at]);
+  for (std::uint32_t at = record.pending; at; at = pendings_[at].next) result.push_back(pendings_[at]);
   return result;
 }
 

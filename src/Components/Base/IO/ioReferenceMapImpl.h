@@ -5,11 +5,12 @@
 #include "Base/IO/ioAddressTable.h"
 #include "Base/IO/ioReferenceMap.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>
 
-/// Records lie in blocks of 1250 and stay in their place as the table grows. Memory follows the number of
+/// Records lie in blocks, so that they stay in their places as the map grows. Memory follows the number of
 /// references that came by and not the height of their numbers, which a damaged file can set at will: a
 /// number far beyond what that count explains lives in a tree of its own until the blocks reach it.
 class ioReferenceMapImpl : public ioReferenceMap {
@@ -36,48 +37,46 @@ protected:
 
 private:
   struct Record {
-    bool seen = false;
-    bool defined = false;
-    bool live = true;
-    bool alias = false;
-    int usages = 0;
+    std::uint32_t seen : 1 = false;
+    std::uint32_t defined : 1 = false;
+    std::uint32_t live : 1 = true;
+    std::uint32_t alias : 1 = false;
+    std::uint32_t usages : 28 = 0; // stays at its greatest value
+    std::uint32_t pending = 0;     // first of a chain in pendings_, 0 for none
     void* address = nullptr;
     ioPacketType* definingType = nullptr;
-    unsigned int pending = 0; // first of a chain in pendings_, 0 for none
   };
-  struct Block;
   struct Pending {
     void* slot;
     ioPacketType* type;
     int extra;
-    unsigned int next;
+    std::uint32_t next;
   };
-  struct Definition {
-    const void* address;
-    int reference;
-  };
+  static constexpr int blockSize = 1250;
   struct FreeBlock {
-    void operator()(Block* block) const noexcept;
+    void operator()(Record* records) const noexcept;
   };
 
-  [[nodiscard]] Record* find(int reference) const noexcept;
+  [[nodiscard]] Record& inBlock(int reference) const noexcept;
+  [[nodiscard]] const Record* find(int reference) const noexcept;
   Record& touch(int reference);
-  void grow(int reference);
-  Record& makeInBlock(int reference);
-  void countUse(Record& record) noexcept;
-  void wait(Record& record, void* slot, ioPacketType* type, int extra);
+  Record& make(int reference);
+  void addBlock();
+  void setAddress(Record& record, int reference, void* address);
   void indexAddresses() const;
+  [[nodiscard]] int lookup(const void* address) const;
+  void wait(Record& record, void* slot, ioPacketType* type, int extra);
   [[nodiscard]] int nextReference(int reference) const noexcept;
   [[nodiscard]] std::vector<Pending> waitingFor(const Record& record) const;
 
   mutable ioAddressTable addresses_;
-  std::vector<std::unique_ptr<Block, FreeBlock>> blocks_;
-  int slotCount_ = 0; // numbers below it have their records in blocks
-  int lastReference_ = 0;
-
+  mutable std::map<const void*, int> formerAddresses_; // of records that have another address now
+  mutable std::vector<int> unindexed_;                 // numbers that addresses_ does not know yet
+  std::vector<std::unique_ptr<Record, FreeBlock>> blocks_;
+  int numRecords_ = 0;             // how many are made, from number 0 on
+  std::map<int, Record> outliers_; // numbers from numRecords_ on
   int numSeen_ = 0;
-  std::map<int, Record> outliers_; // numbers from slotCount_ on
+  int lastReference_ = 0;
   std::vector<Pending> pendings_ = std::vector<Pending>(1);
-  unsigned int freePending_ = 0;
-  mutable std::vector<Definition> unindexed_; // entered into addresses_ when an address is looked up
+  std::uint32_t freePending_ = 0;
 };

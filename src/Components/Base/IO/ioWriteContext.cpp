@@ -9,7 +9,7 @@
 ioWriteContext::~ioWriteContext() = default;
 
 void ioWriteContext::writeReference(int reference, bool define) {
-  if (define) getReferenceMap()->markDefined(reference, currentType());
+  if (define) getReferenceMap()->markDefined(reference, ioPacketTypeOf(currentBuffer()));
   writeUInt(static_cast<unsigned int>(reference));
 }
 

@@ -222,19 +222,27 @@ TEST(ioReferenceMap, scatteredNumbersCostMemoryByTheirCount) {
 }
 
 TEST(ioAddressTable, agreesWithAModelForAnySpacing) {
-  qvTest::Random random(1);
+  qvTest::Random random(2);
   for (const std::uint64_t stride : {1ull, 16ull, 48ull, 4096ull, 1ull << 20, 1ull << 32, 0ull}) {
     ioAddressTable table;
+    std::vector<const void*> records(20'001);
+    const auto addressOf = [&](int number) { return records[number]; };
     std::unordered_map<std::uint64_t, int> model;
-    for (int i = 1; i <= 20'000; ++i) {
+    for (int i = 1; i < int(records.size()); ++i) {
       const std::uint64_t address = stride ? 0x10000 + i / 2 * stride : random.bits() | 1;
-      table.set(reinterpret_cast<const void*>(address), i); // every other one again
+      records[i] = reinterpret_cast<const void*>(address);
+      table.set(records[i], i, addressOf); // every other one again
       model[address] = i;
+      if (i % 6 == 1) { // and some are taken away again
+        records[i] = nullptr;
+        if (i > 1 && records[i - 1] == reinterpret_cast<const void*>(address)) records[i - 1] = nullptr;
+        model.erase(address);
+      }
     }
     for (const auto& [address, number] : model) {
-      ASSERT_EQ(table.find(reinterpret_cast<const void*>(address)), number);
+      ASSERT_EQ(table.find(reinterpret_cast<const void*>(address), addressOf), number);
       if (!model.contains(address + 1)) {
-        ASSERT_EQ(table.find(reinterpret_cast<const void*>(address + 1)), 0);
+        ASSERT_EQ(table.find(reinterpret_cast<const void*>(address + 1), addressOf), 0);
       }
     }
   }
