@@ -4,7 +4,8 @@ target_compile_options(BaseFlags INTERFACE
   -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Wformat=2
   -Wno-format-nonliteral -Werror -fvisibility=hidden -fvisibility-inlines-hidden -pthread)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(BaseFlags INTERFACE -fno-gnu-unique)
+  # Calls inside the library go straight to its own functions; nobody replaces one of them.
+  target_compile_options(BaseFlags INTERFACE -fno-gnu-unique -fno-semantic-interposition)
 endif()
 target_link_options(BaseFlags INTERFACE -pthread)
 target_include_directories(BaseFlags INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src/Components>)

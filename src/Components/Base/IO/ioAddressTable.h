@@ -1,6 +1,7 @@
 // From an address to its number: the hash table under the reference map.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -14,82 +15,100 @@
 ///
 /// Objects that lie near each other are mostly written one after the other, so the first place to look keeps
 /// their neighbourhood: a group of four entries for each 64 bytes of address space, wrapped round the table.
-/// Where that group is full the search jumps about. The first empty entry ends every search.
+/// Where that group is full the search jumps about. A group fills from its start, and the first one that is
+/// not full ends every search.
 class ioAddressTable {
 public:
   /// The number of `address`, which is not null; 0 if it has none.
   template <class AddressOf>
   [[nodiscard]] int find(const void* address, const AddressOf& addressOf) const {
-    return slots_ ? slot(address, addressOf)->number : 0;
+    if (!groups_) return 0;
+    const Place place = search(address, addressOf);
+    return place.entry < groupSize ? place.group->numbers[place.entry] : 0;
   }
 
   /// Sets the number of `address`, which is not null. The record of `number` has that address already.
   template <class AddressOf>
   void set(const void* address, int number, const AddressOf& addressOf) {
-    if (used_ >= capacity() / 4 * 3) grow(addressOf);
-    Entry* const entry = slot(address, addressOf);
-    if (!entry->number) ++used_;
-    *entry = {tagOf(address), number};
+    if (used_ >= numGroups() * 3) grow(addressOf); // of four entries
+    put(address, number, addressOf);
   }
 
 private:
-  struct Entry {
-    std::uint32_t tag;
-    int number; // 0 in an empty entry
-  };
   static constexpr int groupSize = 4;
+  struct Group {
+    std::uint32_t tags[groupSize];
+    int numbers[groupSize]; // 0 in an empty entry
+  };
+  static_assert(sizeof(Group) == 32);
+
+  struct Place {
+    Group* group;
+    int entry; // `groupSize` where the address is not there and the group has an empty entry
+  };
 
   struct Free {
-    void operator()(Entry* entries) const noexcept { std::free(entries); }
+    void operator()(Group* groups) const noexcept { std::free(groups); }
   };
 
-  [[nodiscard]] std::size_t capacity() const noexcept {
-    return slots_ ? std::size_t(groupSize) << groupBits_ : 0;
-  }
+  [[nodiscard]] std::size_t numGroups() const noexcept { return groups_ ? std::size_t(1) << groupBits_ : 0; }
   [[nodiscard]] static std::uint32_t tagOf(const void* address) noexcept {
     return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(address));
   }
 
-  /// The entry of `address`, or the empty one where it belongs. There is always an empty entry.
+  /// There is always a group that is not full.
   template <class AddressOf>
-  [[nodiscard]] Entry* slot(const void* address, const AddressOf& addressOf) const {
-    const std::uint64_t line = reinterpret_cast<std::uintptr_t>(address) >> 6;
+  [[nodiscard]] Place search(const void* address, const AddressOf& addressOf) const {
     const std::uint64_t mask = (std::uint64_t(1) << groupBits_) - 1;
-    // Each further stretch of addresses that wraps round lands at another offset, so that a stride of some
-    // power of two does not crowd a few groups.
-    std::uint64_t group = line + (line >> groupBits_) * 0x9E3779B1u;
+    const std::uint32_t tag = tagOf(address);
+    std::uint64_t index = reinterpret_cast<std::uintptr_t>(address) >> 6;
     std::uint64_t step = 0;
-    for (;; group += step) {
-      Entry* const entries = slots_.get() + (group & mask) * groupSize;
-      for (Entry* entry = entries; entry != entries + groupSize; ++entry)
-        if (!entry->number || (entry->tag == tagOf(address) && addressOf(entry->number) == address))
-          return entry;
+    for (;; index += step) {
+      Group* const group = groups_.get() + (index & mask);
+      // All four at once, without a branch: which one it is cannot be foretold.
+      const auto is = [&](int i) { return static_cast<unsigned int>(group->tags[i] == tag) << i; };
+      unsigned int matches = is(0) | is(1) | is(2) | is(3);
+      for (; matches; matches &= matches - 1) {
+        const int entry = std::countr_zero(matches);
+        if (group->numbers[entry] && addressOf(group->numbers[entry]) == address) return {group, entry};
+      }
+      if (!group->numbers[groupSize - 1]) return {group, groupSize};
       // Full groups stand side by side: the next look is far away, and an odd step reaches every group.
       if (step == 0) step = (reinterpret_cast<std::uintptr_t>(address) * 0x9E3779B97F4A7C15u) >> 24 | 1;
     }
   }
 
   template <class AddressOf>
-  void grow(const AddressOf& addressOf) {
-    const std::size_t old = capacity();
-    const int bits = slots_ ? groupBits_ + 1 : 4;
-    std::unique_ptr<Entry, Free> from(
-        static_cast<Entry*>(std::calloc(std::size_t(1) << bits, groupSize * sizeof(Entry))));
-    if (!from) throw std::bad_alloc();
-    slots_.swap(from);
-    groupBits_ = bits;
-    used_ = 0;
-    for (std::size_t i = 0; i < old; ++i) {
-      const Entry& entry = from.get()[i];
-      const void* const address = entry.number ? addressOf(entry.number) : nullptr;
-      if (!address || tagOf(address) != entry.tag) continue;
-      Entry* const place = slot(address, addressOf);
-      if (!place->number) ++used_;
-      *place = entry;
+  void put(const void* address, int number, const AddressOf& addressOf) {
+    Place place = search(address, addressOf);
+    if (place.entry == groupSize) {
+      const auto isTaken = [&](int i) { return static_cast<int>(place.group->numbers[i] != 0); };
+      place.entry = isTaken(0) + isTaken(1) + isTaken(2);
+      ++used_;
     }
+    place.group->tags[place.entry] = tagOf(address);
+    place.group->numbers[place.entry] = number;
   }
 
-  std::unique_ptr<Entry, Free> slots_;
+  template <class AddressOf>
+  void grow(const AddressOf& addressOf) {
+    const std::size_t old = numGroups();
+    const int bits = groups_ ? groupBits_ + 1 : 4;
+    std::unique_ptr<Group[], Free> from(
+        static_cast<Group*>(std::calloc(std::size_t(1) << bits, sizeof(Group))));
+    if (!from) throw std::bad_alloc();
+    groups_.swap(from);
+    groupBits_ = bits;
+    used_ = 0;
+    for (std::size_t i = 0; i < old; ++i)
+      for (int entry = 0; entry < groupSize; ++entry) {
+        const int number = from[i].numbers[entry];
+        const void* const address = number ? addressOf(number) : nullptr;
+        if (address && tagOf(address) == from[i].tags[entry]) put(address, number, addressOf);
+      }
+  }
+
+  std::unique_ptr<Group[], Free> groups_;
   std::size_t used_ = 0;
   int groupBits_ = 0; // there are 2^groupBits_ groups
 };

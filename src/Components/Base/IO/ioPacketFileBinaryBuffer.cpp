@@ -74,19 +74,12 @@ void ioPacketFileBinaryBuffer::startPacket(ioWriteContext&, bool hasReference, c
 }
 
 void ioPacketFileBinaryBuffer::endPacket(ioWriteContext& context, ioBufferedStreamOutput& stream) {
-  levels_.pop_back();
   const int bodySize = cursor_ - headerSize;
   std::memcpy(data_.get() + bodySizeAt, &bodySize, sizeof bodySize);
   if (tooLarge_)
     context.misused();
   else if (packetValid())
     stream.writeData(data_.get(), cursor_);
-}
-
-/// The level of the packet itself, and no other, whatever the last packet left open.
-void ioPacketFileBinaryBuffer::startLevels() {
-  levels_.clear();
-  levels_.emplace_back();
 }
 
 /// Sizes go through the context, so that a tagged one gets its tag.
@@ -149,7 +142,7 @@ void ioPacketFileBinaryBuffer::readBody(ioBufferedStreamInput& stream, int size)
   data_[end_] = '\0';
 }
 
-void ioPacketFileBinaryBuffer::finishPacket(ioReadContext&) { levels_.pop_back(); }
+void ioPacketFileBinaryBuffer::finishPacket(ioReadContext&) { startLevels(); }
 
 /// Gets the size field of a chunk or sub-packet, and where its content ends: never before the content starts,
 /// and never past the packet.

@@ -76,14 +76,18 @@ private:
   [[nodiscard]] bool makeRoom(std::size_t size);
   void reallocate(int capacity);
   void patchSize(ioWriteContext& context, int at);
-  void startLevels();
+  /// The level of the packet itself, and no other, whatever the last packet left open.
+  void startLevels() {
+    levels_.resize(1);
+    levels_[0] = Level();
+  }
   void readBody(ioBufferedStreamInput& stream, int size);
   [[nodiscard]] int getEnd(ioReadContext& context);
 
   std::unique_ptr<char[]> data_; // one byte more than the capacity, for a terminator
   int capacity_ = 50000;
   int cursor_ = 0;
-  std::vector<Level> levels_;
+  std::vector<Level> levels_ = std::vector<Level>(1);
   int end_ = 0; // reader: bytes held
   bool tooLarge_ = false;
 };

@@ -47,8 +47,8 @@ inline const ioReferenceMapImpl::Record* ioReferenceMapImpl::find(int reference)
 /// The record of a number above 0, made if need be and marked as seen.
 inline ioReferenceMapImpl::Record& ioReferenceMapImpl::touch(int reference) {
   Record& record = reference < numRecords_ ? inBlock(reference) : make(reference);
-  if (!record.seen) ++numSeen_;
-  record.seen = true;
+  numSeen_ += !record.is(Record::seen);
+  record.state |= Record::seen;
   return record;
 }
 
@@ -59,6 +59,7 @@ ioReferenceMapImpl::Record& ioReferenceMapImpl::make(int reference) {
     if (numRecords_ % blockSize == 0) addBlock();
     new (&inBlock(numRecords_)) Record;
   }
+  if (outliers_.empty()) return inBlock(reference);
   const auto end = outliers_.lower_bound(numRecords_);
   for (auto at = outliers_.begin(); at != end; ++at) inBlock(at->first) = at->second;
   outliers_.erase(outliers_.begin(), end);
@@ -78,13 +79,14 @@ int ioReferenceMapImpl::newReference(const void* address) {
     ioPacketFileAbort();
   }
   ioReferenceMapImpl::defineAddress(++lastReference_, const_cast<void*>(address), false);
+  indexAddresses();
   return lastReference_;
 }
 
 void ioReferenceMapImpl::defineAddress(int reference, void* address, bool alias) {
   if (!address || reference < 1) return;
   Record& record = touch(reference);
-  record.alias = alias;
+  record.state = (record.state & ~Record::alias) | (alias ? Record::alias : 0);
   if (record.address != address) setAddress(record, reference, address);
   unindexed_.push_back(reference);
 }
@@ -95,14 +97,16 @@ void ioReferenceMapImpl::setAddress(Record& record, int reference, void* address
   record.address = address;
 }
 
+void ioReferenceMapImpl::index(int reference) const {
+  const auto addressOf = [this](int number) { return find(number)->address; };
+  const void* const address = addressOf(reference);
+  if (!formerAddresses_.empty()) formerAddresses_.erase(address);
+  addresses_.set(address, reference, addressOf);
+}
+
 /// Readers define many addresses and seldom look one up: the hash catches up when it is asked.
 void ioReferenceMapImpl::indexAddresses() const {
-  const auto addressOf = [this](int number) { return find(number)->address; };
-  for (const int reference : unindexed_) {
-    const void* const address = addressOf(reference);
-    if (!formerAddresses_.empty()) formerAddresses_.erase(address);
-    addresses_.set(address, reference, addressOf);
-  }
+  for (const int reference : unindexed_) index(reference);
   unindexed_.clear();
 }
 
@@ -118,12 +122,12 @@ int ioReferenceMapImpl::lookup(const void* address) const {
 int ioReferenceMapImpl::referenceOf(const void* address) const {
   if (!address) return 0;
   const int reference = lookup(address);
-  return reference && find(reference)->live ? reference : -1;
+  return reference && find(reference)->is(Record::live) ? reference : -1;
 }
 
 bool ioReferenceMapImpl::isDefined(int reference) const {
   const Record* const record = find(reference);
-  return record && record->live && record->defined;
+  return record && record->is(Record::live | Record::defined);
 }
 
 void* ioReferenceMapImpl::definitionOf(int reference) const {
@@ -135,7 +139,7 @@ void ioReferenceMapImpl::markDefined(int reference, ioPacketType* type) {
   if (reference < 1) return;
   Record& record = touch(reference);
   record.definingType = type;
-  record.defined = true;
+  record.state |= Record::defined;
   while (const std::uint32_t waiting = record.pending) {
     Pending& pending = pendings_[waiting];
     store(pending.slot, record.address);
@@ -157,25 +161,19 @@ void ioReferenceMapImpl::wait(Record& record, void* slot, ioPacketType* type, in
   record.pending = place;
 }
 
-/// Counts a use, up to the greatest count that fits.
-static void countUse(auto& record) {
-  constexpr std::uint32_t most = (1u << 28) - 1;
-  if (record.usages < most) ++record.usages;
-}
-
 void ioReferenceMapImpl::useDefinition(int reference, ioPacketType* type) {
   if (reference < 1) return;
   Record& record = touch(reference);
-  countUse(record);
-  if (!record.defined) wait(record, nullptr, type, 0);
+  record.countUse();
+  if (!record.is(Record::defined)) wait(record, nullptr, type, 0);
 }
 
 void ioReferenceMapImpl::resolveUsage(int reference, void* slot, ioPacketType* type, int extra) {
   store(slot, nullptr);
   if (reference < 1) return;
   Record& record = touch(reference);
-  countUse(record);
-  if (record.defined)
+  record.countUse();
+  if (record.is(Record::defined))
     store(slot, record.address);
   else
     wait(record, slot, type, extra);
@@ -185,7 +183,7 @@ void ioReferenceMapImpl::undefineNumber(int reference) {
   if (reference < 1) return;
   if (!unindexed_.empty()) indexAddresses(); // while the address is there
   Record& record = touch(reference);
-  record.live = false;
+  record.state &= ~Record::live;
   record.address = nullptr;
 }
 
@@ -207,21 +205,21 @@ std::vector<ioReferenceMapImpl::Pending> ioReferenceMapImpl::waitingFor(const Re
 
 void ioReferenceMapImpl::reportRemaining(ioClientReadContext& client) {
   for (int reference = nextReference(0); reference; reference = nextReference(reference)) {
-    const Record* record = find(reference);
-    if (!record->seen || !record->live) continue;
-    for (const Pending& pending : waitingFor(*record))
-      if (pending.type) pending.type->handleUnresolvedPtr(client, definitionOf(reference), pending.extra);
-    record = find(reference);
-    if (record->defined && record->usages == 0 && record->definingType)
-      record->definingType->handleUnreferencedMemory(client, record->address);
+    const Record& record = *find(reference);
+    if (!record.is(Record::seen | Record::live)) continue;
+    if (record.pending)
+      for (const Pending& pending : waitingFor(record))
+        if (pending.type) pending.type->handleUnresolvedPtr(client, record.address, pending.extra);
+    if (record.is(Record::defined) && !record.isUsed() && record.definingType)
+      record.definingType->handleUnreferencedMemory(client, record.address);
   }
 }
 
 void ioReferenceMapImpl::reportUnresolved(const ioPacketType* type, ioUnresolvedCallback callback) {
   for (int reference = nextReference(0); reference; reference = nextReference(reference)) {
-    const Record* const record = find(reference);
-    if (!record->seen || !record->live) continue;
-    for (const Pending& pending : waitingFor(*record))
+    const Record& record = *find(reference);
+    if (!record.is(Record::seen | Record::live)) continue;
+    for (const Pending& pending : waitingFor(record))
       if (pending.type == type) callback(pending.slot, pending.extra);
   }
 }

@@ -37,14 +37,20 @@ protected:
 
 private:
   struct Record {
-    std::uint32_t seen : 1 = false;
-    std::uint32_t defined : 1 = false;
-    std::uint32_t live : 1 = true;
-    std::uint32_t alias : 1 = false;
-    std::uint32_t usages : 28 = 0; // stays at its greatest value
-    std::uint32_t pending = 0;     // first of a chain in pendings_, 0 for none
+    // Flags and count share a word, and the word is always changed as a whole.
+    static constexpr std::uint32_t seen = 1, defined = 2, live = 4, alias = 8, oneUse = 16;
+
+    std::uint32_t state = live;
+    std::uint32_t pending = 0; // first of a chain in pendings_, 0 for none
     void* address = nullptr;
     ioPacketType* definingType = nullptr;
+
+    [[nodiscard]] bool is(std::uint32_t flags) const noexcept { return (state & flags) == flags; }
+    [[nodiscard]] bool isUsed() const noexcept { return state >= oneUse; }
+    /// Counts a use, up to the greatest count that fits.
+    void countUse() noexcept {
+      if (state < ~std::uint32_t(oneUse - 1)) state += oneUse;
+    }
   };
   struct Pending {
     void* slot;
@@ -63,6 +69,7 @@ private:
   Record& make(int reference);
   void addBlock();
   void setAddress(Record& record, int reference, void* address);
+  void index(int reference) const;
   void indexAddresses() const;
   [[nodiscard]] int lookup(const void* address) const;
   void wait(Record& record, void* slot, ioPacketType* type, int extra);
