@@ -24,13 +24,11 @@
 #include <utility>
 #include <vector>
 
-#if __has_include(<boost/archive/binary_oarchive.hpp>)
-#define BENCH_BOOST
+#ifdef BENCH_BoostSerialization
 #include <boost/archive/binary_iarchive.hpp>
 #include <boost/archive/binary_oarchive.hpp>
 #endif
-#if __has_include(<cereal/archives/binary.hpp>)
-#define BENCH_CEREAL
+#ifdef BENCH_Cereal
 #include <cereal/archives/binary.hpp>
 #include <cereal/types/memory.hpp>
 #include <cereal/types/vector.hpp>
@@ -220,7 +218,7 @@ PlainObjects readBase(std::string_view bytes) {
   return std::move(registry.type->objects);
 }
 
-#ifdef BENCH_BOOST
+#ifdef BENCH_BoostSerialization
 void writeBoost(Sink& sink) {
   std::ostream stream(&sink);
   {
@@ -240,7 +238,7 @@ PlainObjects readBoost(std::string_view bytes) {
 }
 #endif
 
-#ifdef BENCH_CEREAL
+#ifdef BENCH_Cereal
 using SharedObjects = std::vector<std::shared_ptr<SharedObject>>;
 
 SharedObjects& sharedObjects() {
@@ -338,11 +336,11 @@ const bool registered = [] {
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, -1);
   compare<PlainObjects>({"Base", plainObjects, writeBase, readBase});
-#ifdef BENCH_BOOST
+#ifdef BENCH_BoostSerialization
   compare<PlainObjects>({"BoostSerialization", plainObjects, writeBoost, readBoost});
 #endif
-#ifdef BENCH_CEREAL
-  compare<SharedObjects>({"cereal", sharedObjects, writeCereal, readCereal});
+#ifdef BENCH_Cereal
+  compare<SharedObjects>({"Cereal", sharedObjects, writeCereal, readCereal});
 #endif
   return true;
 }();

@@ -25,3 +25,4 @@ public:
 private:
   ioReadContext* context_;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioClientReadContext) == 16);

@@ -95,3 +95,4 @@ private:
   int stackTop_ = -1;
   ioStatus status_ = ioOK;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioContext) == 56);

@@ -77,6 +77,7 @@ private:
   bool packetValid_ = true;
   ioPacketType* packetType_ = nullptr;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioPacketFileBuffer) == 40);
 
 /// The type of the packet in `buffer`; null where there is no buffer or no type.
 [[nodiscard]] inline ioPacketType* ioPacketTypeOf(const ioPacketFileBuffer* buffer) noexcept {

@@ -58,3 +58,4 @@ private:
   bool initialised_ = false;
   bool forReading_;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioPacketRegistry) == 24);

@@ -48,6 +48,7 @@ private:
   unsigned int numUsages_ = 0;
   unsigned int problemFlags_ = 0;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioPacketType) == 32);
 
 /// A type whose packets a function reads.
 class QV_BASE_API ioReadPacketByFunction : public ioPacketType {

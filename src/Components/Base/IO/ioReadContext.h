@@ -129,6 +129,7 @@ private:
   bool halted_ = false;
   ioReadMethod readMethod_;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioReadContext) == 96);
 
 /// Reads the header of `stream` and makes the reader that it asks for, for the caller to delete; null where
 /// the header is invalid or its method has no reader. A registry that is not null is associated.

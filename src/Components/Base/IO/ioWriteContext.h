@@ -102,6 +102,7 @@ private:
   bool writeRegistryNames_ = true;
   ioPacketType* stringType_ = nullptr;
 };
+static_assert(sizeof(void*) != 8 || sizeof(ioWriteContext) == 80);
 
 /// Makes the writer of `method`, for the caller to delete; null for a method that has no writer. A registry
 /// that is not null is associated.
