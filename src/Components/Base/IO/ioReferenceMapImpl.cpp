@@ -191,7 +191,7 @@ void ioReferenceMapImpl::undefineAddress(void* address) { undefineNumber(referen
 
 /// The next number above `reference` that has a record, or 0.
 int ioReferenceMapImpl::nextReference(int reference) const noexcept {
-  if (reference + 1 < numRecords_) return reference + 1;
+  if (reference < numRecords_ - 1) return reference + 1;
   const auto found = outliers_.upper_bound(reference);
   return found == outliers_.end() ? 0 : found->first;
 }
