@@ -377,10 +377,7 @@ void IString::convertFromMultibyte(const char* chars, Encoding encoding, bool* o
   Scratch<WChar> units(room);
   const unsigned int count = encoding == UTF8Encoding ? UTF8toWCS(chars, npos, units.data(), room, false, ok)
                                                       : MBStoWCS(chars, npos, units.data(), room, ok);
-  if (count == 0) {
-    answer(ok, false);
-    return;
-  }
+  if (count == 0) return; // nothing but a byte order mark: `*ok` is false
   str_->wide.assign(units.data(), count);
   str_->changed();
 }

@@ -61,6 +61,9 @@ TEST(IString, OnlyTheCopyIsCutAtANul) {
   EXPECT_EQ(IString(whole.view()), whole);
   EXPECT_STREQ(whole.asUTF8(), "ab");
   EXPECT_EQ(whole.asUTF8StoreSize(), 3u);
+  bool ok = true;
+  EXPECT_STREQ(IString(QV_W('\0')).asUTF8(&ok), "");
+  EXPECT_FALSE(ok);                                 // something was lost
   EXPECT_EQ(whole.compareNoCase(IString("AB")), 0); // compares copies
   EXPECT_NE(whole.compare(IString("ab")), 0);
 }
@@ -131,6 +134,7 @@ TEST(IString, NarrowFormIsKeptUntilTheTextChanges) {
   EXPECT_EQ(text.asUTF8(), first);
   text[0] = QV_W('x'); // does not mark the narrow form
   text.at(1) = QV_W('y');
+  text = *&text; // does nothing at all
   EXPECT_STREQ(text.asUTF8(), "abc");
   EXPECT_STREQ(text.asMultibyte(), "xyc"); // another encoding is made anew
   bool ok = false;
@@ -199,6 +203,7 @@ TEST(IString, FindsAndReplaces) {
   EXPECT_FALSE(IString(QV_W("a\x80")).isAscii());
   EXPECT_LT(IString(QV_W("\xD83D")).compare(IString(QV_W("\xFFFF"))), 0); // by unit
   EXPECT_LT(IString("B").collate(IString("a")), 0);
+  EXPECT_NE(IString(QV_W("\xD800\x461")).collate(IString(QV_W("\xD800\x61"))), 0); // no pairs
   EXPECT_NO_THROW(IString().erase(5, 1));
   EXPECT_THROW(IString().insert(1, QV_W("x")), std::out_of_range);
 }

@@ -88,6 +88,16 @@ TEST_F(Intern, DynamicTextGoesWithItsLastHandle) {
   decreaseStringRef(static_cast<InternalString<IString>*>(nullptr));
 }
 
+TEST_F(Intern, TextInternedWhileItsLastHandleGoesStays) {
+  sharedStringThreading(nullptr, nullptr, increment, [](int& count) {
+    const int left = decrement(count);
+    EXPECT_TRUE(intern("x").record()->constant);
+    return left;
+  });
+  EXPECT_TRUE(intern_dynamic("x").string() == CString("x"));
+  EXPECT_EQ(numInternedCStrings(), 1);
+}
+
 /// Many threads make, copy and drop handles of few texts, so that records come and go all the time.
 TEST_F(Intern, HooksMakeItSafeBetweenThreads) {
   lockCalls = 0;
