@@ -43,7 +43,7 @@ TEST(ioBufferChecksum, FramesOneBlockForEachFlushOfTheBuffer) {
   EXPECT_EQ(written<ioBufferChecksum>(""), "");
   qvTest::Random random(3);
   const std::string data = mixed(random, 10001, 256);
-  for (const int piece : {1, 4096, 5000, 20000})
+  for (const std::size_t piece : {1, 4096, 5000, 20000})
     EXPECT_TRUE(written<ioBufferChecksum>(data, piece) == blocks(data, {4096, 4096, 1809}, little));
 }
 

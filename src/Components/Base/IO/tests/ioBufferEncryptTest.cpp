@@ -92,15 +92,11 @@ TEST(ioChaCha20Poly1305, SealsAndOpensLikeTheStandard) { // RFC 8439, 2.8.2
 class ioBufferEncryptTest : public testing::Test {
 protected:
   ioBufferEncryptTest() {
-    byte = 1;
-    ioEncryptKeyInit([](unsigned char* key) {
-      std::fill_n(key, ioEncryptKeySize, byte);
-      return true;
-    });
+    ioEncryptKeyInit([](unsigned char* key) { return std::fill_n(key, ioEncryptKeySize, byte), true; });
   }
-  ~ioBufferEncryptTest() override { ioEncryptKeyInit(nullptr); }
+  ~ioBufferEncryptTest() override { ioEncryptKeyInit(nullptr), byte = 1; }
 
-  static inline unsigned char byte;
+  static inline unsigned char byte = 1;
 };
 
 TEST_F(ioBufferEncryptTest, ReadsBackWhatItWrote) {

@@ -5,10 +5,7 @@
 #include "Base/IO/ioBufferTCP.h"
 #include "Base/IO/tests/ioLinkTest.h"
 #include "Base/String/qvStringIString.h"
-#include "Base/TCP/qvTCPAddress.h"
-#include "Base/TCP/qvTCPSocket.h"
 #include "testing/qvTestDirectory.h"
-#include "testing/qvTestPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -27,12 +24,12 @@ namespace {
 /// A link whose raw reads and writes are scripted.
 class Scripted : public ioBuffer {
 public:
-  explicit Scripted(bool forReading, int size = 4) : ioBuffer(forReading, size) {}
+  explicit Scripted(bool forReading) : ioBuffer(forReading, 4) {}
   ~Scripted() override { ++destroyed; }
 
   void finish() override { calls += "finish "; }
   [[nodiscard]] int kind() const override { return 99; }
-  void closeLink() override { calls += "close "; }
+  void closeLink() override {}
   int readRaw(void* destination, int count) override {
     const int piece = std::min(count, static_cast<int>(input.size()));
     if (piece == 0) setStatus(ioBufferAtEnd);
@@ -86,7 +83,7 @@ TEST(ioBuffer, WritesFullBuffersAndFlushesTheRest) {
 }
 
 TEST(ioBuffer, OwnsWhatLiesBelow) {
-  const int before = Scripted::destroyed;
+  Scripted::destroyed = 0;
   {
     auto* const bottom = new Scripted(false);
     Scripted top(false);
@@ -98,7 +95,7 @@ TEST(ioBuffer, OwnsWhatLiesBelow) {
     bottom->retain();
     ioBuffer::release(bottom);
   }
-  EXPECT_EQ(Scripted::destroyed, before + 2);
+  EXPECT_EQ(Scripted::destroyed, 2);
 }
 
 TEST(ioBuffer, InheritsStatuses) {
@@ -117,15 +114,28 @@ TEST(ioBuffer, InheritsStatuses) {
     }
 }
 
-TEST(ioBuffer, TellsItsKind) {
-  EXPECT_EQ(
-      (std::vector<int>{ioBufferFD(true).kind(), ioBufferCompress(true).kind(), ioBufferChecksum(true).kind(),
-                        ioBufferTCP(true).kind(), ioBufferEncrypt(true).kind(), ioBufferIOStream(true).kind(),
-                        ioBufferFileSubset().kind()}),
-      (std::vector<int>{0, 1, 2, 3, 4, 5, 6}));
-  ioBufferChecksum filter(true);
-  EXPECT_FALSE(filter.seekLink(0));
-  EXPECT_EQ(filter.tellLink(), 0);
+TEST(ioBuffer, TellsItsKindAndFailsWithoutATransport) {
+  for (const bool forReading : {false, true}) {
+    const std::unique_ptr<ioBuffer> links[] = {
+        std::make_unique<ioBufferFD>(forReading),       std::make_unique<ioBufferCompress>(forReading),
+        std::make_unique<ioBufferChecksum>(forReading), std::make_unique<ioBufferTCP>(forReading),
+        std::make_unique<ioBufferEncrypt>(forReading),  std::make_unique<ioBufferIOStream>(forReading),
+        std::make_unique<ioBufferFileSubset>()};
+    for (int kind = 0; kind < 7; ++kind) {
+      ioBuffer& link = *links[kind];
+      EXPECT_EQ(link.kind(), kind);
+      char c = 'x';
+      if (forReading)
+        EXPECT_LE(link.readRaw(&c, 1), 0) << kind;
+      else
+        link.writeRaw(&c, 1);
+      const ioBufferStatus ofASlice = forReading ? ioBufferAtEnd : ioBufferOK; // of a slice of nothing
+      EXPECT_EQ(link.getStatus(), kind == 6                 ? ofASlice
+                                  : forReading && kind == 2 ? ioBufferBadChecksum
+                                                            : ioBufferFailed)
+          << kind;
+    }
+  }
 }
 
 // ---- Files ---------------------------------------------------------------------------------------------
@@ -147,8 +157,6 @@ TEST(ioBufferFD, OpensReadsAndWritesFiles) {
     link.closeLink();
     link.closeLink();
     EXPECT_TRUE(link.good());
-    link.writeRaw("x", 1);
-    EXPECT_EQ(link.getStatus(), ioBufferFailed);
   }
   EXPECT_EQ(directory.read("f"), "01ab456789");
   struct stat status;
@@ -160,11 +168,6 @@ TEST(ioBufferFD, OpensReadsAndWritesFiles) {
   EXPECT_EQ(reading.getStatus(), ioBufferAtEnd);
   EXPECT_EQ(reading.readRaw(nullptr, 1), -1);
   reading.closeLink();
-  for (const std::string& missing : {directory.path("no/such"), directory.path(), std::string()}) {
-    ioBufferFD link(true);
-    link.openDescriptor(wide(missing));
-    EXPECT_EQ(link.getStatus(), ioBufferOpenFailed);
-  }
 }
 
 TEST(ioBufferFD, TakesOverADescriptorAndWaitsForThoseThatDoNot) {
@@ -229,42 +232,31 @@ TEST(ioBufferFileSubset, ReadsItsSliceOnly) {
   EXPECT_FALSE(link.seekLink(5));
   EXPECT_EQ(link.getStatus(), ioBufferAtEnd);
   link.closeLink();
-  ioBufferFileSubset missing;
-  missing.openSlice(wide(directory.path("none")), 0, 1);
-  EXPECT_EQ(missing.getStatus(), ioBufferOpenFailed);
 }
 
-// ---- Streams and sockets -------------------------------------------------------------------------------
+// ---- Streams -------------------------------------------------------------------------------------------
 
 /// Answers each read with the next row, then with a failure.
 class Answers : public qvOS::IOStream {
 public:
-  struct Answer {
-    std::string bytes;
-    int code;
-  };
-  explicit Answers(std::vector<Answer> answers) : answers_(std::move(answers)) {}
-
   qvUtil::Error read(void* buffer, std::uint64_t size, std::uint64_t* count) override {
-    if (next_ == answers_.size()) return {4, "broken"};
-    const Answer& answer = answers_[next_++];
-    std::copy_n(answer.bytes.data(), std::min<std::size_t>(answer.bytes.size(), size),
-                static_cast<char*>(buffer));
-    *count = answer.bytes.size();
-    return answer.code ? qvUtil::Error(answer.code, "end") : qvUtil::Error();
+    if (answers.empty()) return {4, "broken"};
+    const auto [bytes, code] = answers.front();
+    answers.erase(answers.begin());
+    std::copy_n(bytes.data(), std::min<std::size_t>(bytes.size(), size), static_cast<char*>(buffer));
+    *count = bytes.size();
+    return code ? qvUtil::Error(code, "end") : qvUtil::Error();
   }
   qvUtil::Error write(const void*, std::uint64_t, std::uint64_t* count) override {
     EXPECT_EQ(count, nullptr);
     return {4, "full"};
   }
-
-private:
-  std::vector<Answer> answers_;
-  std::size_t next_ = 0;
+  std::vector<std::pair<std::string, int>> answers;
 };
 
 TEST(ioBufferIOStream, EndsOnlyWhereAFailureBringsNoBytes) {
-  Answers stream({{"ab", 0}, {"", 0}, {"cd", 3}, {"ef", 0}, {std::string(5000, 'g'), 0}});
+  Answers stream;
+  stream.answers = {{"ab", 0}, {"", 0}, {"cd", 3}, {"ef", 0}, {std::string(5000, 'g'), 0}};
   ioBufferIOStream link(true);
   link.attachStream(&stream);
   EXPECT_EQ(readAll(link), "abcdef" + std::string(4096, 'g')); // more than was asked for is not there
@@ -274,38 +266,6 @@ TEST(ioBufferIOStream, EndsOnlyWhereAFailureBringsNoBytes) {
   writing.attachStream(&stream);
   writing.writeBytes("x", 1);
   writing.flushChain();
-  EXPECT_EQ(writing.getStatus(), ioBufferFailed);
-  writing.closeLink();
-  writing.setStatus(ioBufferOK);
-  writing.writeRaw("x", 1);
-  EXPECT_EQ(writing.getStatus(), ioBufferFailed);
-}
-
-TEST(ioBufferTCP, FailsWhereTheConnectionEnds) {
-  const qvTest::Listener listener;
-  qvTCP::ClientSocket socket(qvTCP::Address("127.0.0.1", listener.port()));
-  ASSERT_FALSE(socket.connect());
-  const std::unique_ptr<qvTest::Peer> peer = listener.accept();
-  ioBufferTCP writing(false);
-  writing.attachSocket(&socket);
-  writing.writeBytes("hello", 5);
-  writing.flushChain();
-  EXPECT_EQ(peer->receive(5), "hello");
-  peer->send("0123456789");
-  peer->close();
-  for (const bool throws : {false, true}) { // a socket that throws does not throw through a link
-    socket.setThrowMode(throws);
-    ioBufferTCP link(true);
-    link.attachSocket(&socket);
-    EXPECT_EQ(readAll(link), throws ? "" : "0123456789");
-    EXPECT_EQ(link.getStatus(), ioBufferFailed);
-    EXPECT_EQ(link.lastError().num(), 4);
-  }
-  ioBufferTCP none(true);
-  none.attachSocket(nullptr);
-  EXPECT_EQ(none.getStatus(), ioBufferFailed);
-  writing.closeLink();
-  writing.writeRaw("x", 1);
   EXPECT_EQ(writing.getStatus(), ioBufferFailed);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Base/IO/ioBufferIOStream.h"
+#include "Base/IO/ioBufferedStream.h"
 #include "Base/OS/qvOSMemoryIOStream.h"
 #include "testing/qvTestSeed.h"
 
@@ -15,31 +16,27 @@ inline std::string bytesOf(const qvOS::MemoryIOStream& memory) {
   return {static_cast<const char*>(memory.data()), memory.size()};
 }
 
+inline int readSome(ioBuffer& link, char* to, int size) { return link.readBytes(to, size); }
+inline int readSome(ioBufferedStreamInput& stream, char* to, int size) { return stream.readData(to, size); }
+inline void writeSome(ioBuffer& link, const char* from, int size) { link.writeBytes(from, size); }
+inline void writeSome(ioBufferedStreamOutput& stream, const char* from, int size) {
+  stream.writeData(from, size);
+}
+
 /// What comes from a link or a stream until its status changes, in pieces of `piece` bytes.
 template <class Source>
 std::string readAll(Source& source, int piece = 1000) {
   std::string out, buffer(static_cast<std::size_t>(piece), '\0');
-  while (source.good()) {
-    int got = 0;
-    if constexpr (requires { source.readBytes(buffer.data(), piece); })
-      got = source.readBytes(buffer.data(), piece);
-    else
-      got = source.readData(buffer.data(), piece);
-    out.append(buffer, 0, static_cast<std::size_t>(got));
-  }
+  while (source.good())
+    out.append(buffer, 0, static_cast<std::size_t>(readSome(source, buffer.data(), piece)));
   return out;
 }
 
 /// Writes to a link or a stream in pieces of `piece` bytes.
 template <class Target>
-void writeAll(Target& target, const std::string& data, int piece) {
-  for (std::size_t i = 0; i < data.size(); i += static_cast<std::size_t>(piece)) {
-    const int size = static_cast<int>(std::min(data.size() - i, static_cast<std::size_t>(piece)));
-    if constexpr (requires { target.writeBytes(data.data(), size); })
-      target.writeBytes(data.data() + i, size);
-    else
-      target.writeData(data.data() + i, size);
-  }
+void writeAll(Target& target, const std::string& data, std::size_t piece) {
+  for (std::size_t i = 0; i < data.size(); i += piece)
+    writeSome(target, data.data() + i, static_cast<int>(std::min(data.size() - i, piece)));
 }
 
 /// Puts `link` on top of memory.
@@ -65,7 +62,7 @@ struct Reading {
 
 /// What a link of type `Link` makes of `data`, written in pieces of `piece` bytes.
 template <class Link>
-std::string written(const std::string& data, int piece = 1000) {
+std::string written(const std::string& data, std::size_t piece = 1000) {
   qvOS::MemoryIOStream memory;
   Link link(false);
   attach(link, memory);
