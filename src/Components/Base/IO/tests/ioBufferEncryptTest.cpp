@@ -88,16 +88,7 @@ TEST(ioChaCha20Poly1305, SealsAndOpensLikeTheStandard) { // RFC 8439, 2.8.2
   EXPECT_EQ(text, sunscreen);
 }
 
-/// A host with a key, which is the byte `byte` 32 times.
-class ioBufferEncryptTest : public testing::Test {
-protected:
-  ioBufferEncryptTest() {
-    ioEncryptKeyInit([](unsigned char* key) { return std::fill_n(key, ioEncryptKeySize, byte), true; });
-  }
-  ~ioBufferEncryptTest() override { ioEncryptKeyInit(nullptr), byte = 1; }
-
-  static inline unsigned char byte = 1;
-};
+using ioBufferEncryptTest = WithKey;
 
 TEST_F(ioBufferEncryptTest, ReadsBackWhatItWrote) {
   qvTest::Random random(6);

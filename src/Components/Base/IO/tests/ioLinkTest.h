@@ -3,8 +3,11 @@
 
 #include "Base/IO/ioBufferIOStream.h"
 #include "Base/IO/ioBufferedStream.h"
+#include "Base/IO/ioEncryptKey.h"
 #include "Base/OS/qvOSMemoryIOStream.h"
 #include "testing/qvTestSeed.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -86,5 +89,16 @@ inline std::string mixed(qvTest::Random& random, std::size_t size, int letters, 
   data.resize(size);
   return data;
 }
+
+/// A host with a key, which is the byte `byte` 32 times.
+class WithKey : public testing::Test {
+protected:
+  WithKey() {
+    ioEncryptKeyInit([](unsigned char* key) { return std::fill_n(key, ioEncryptKeySize, byte), true; });
+  }
+  ~WithKey() override { ioEncryptKeyInit(nullptr), byte = 1; }
+
+  static inline unsigned char byte = 1;
+};
 
 } // namespace ioLinkTest
