@@ -204,7 +204,12 @@ public:
   }
   /// @}
   /// Drops the element with that key, which may lie in it. Returns how many there were.
-  int erase(const Key& key) { return eraseKey(Hash()(key), std::addressof(key)); }
+  int erase(const Key& key) {
+    HashNodeImpl** const link = findLinkInline(Hash()(key), equalTo(key));
+    if (!link) return 0;
+    eraseLinked(link);
+    return 1;
+  }
 
   void copy(const HashFace& other) {
     static_assert(isCopyable<Mapped>);
@@ -242,20 +247,20 @@ private:
     return &hashRecord<Key, Mapped, Equal>;
   }
 
-  /// As `findNode` of the core, with the comparison inline.
-  const HashNodeImpl* findKey(const Key& key) const {
-    const std::uint64_t hash = Hash()(key);
-    const HashNodeImpl* node = chainOf(hash);
-    while (node && !(node->hash == hash && Equal()(Keyed::key(HashNode<Element>::element(node)), key)))
-      node = node->next;
-    return node;
+  const HashNodeImpl* findKey(const Key& key) const { return findKey(key, Hash()(key)); }
+  const HashNodeImpl* findKey(const Key& key, std::uint64_t hash) const {
+    return findNodeInline(hash, equalTo(key));
+  }
+  static auto equalTo(const Key& key) {
+    return [&key](const HashNodeImpl* node) {
+      return Equal()(Keyed::key(HashNode<Element>::element(node)), key);
+    };
   }
   pair<iterator, bool> insertCopy(const Key& key, const void* value) {
     static_assert(isCopyable<Mapped>);
-    const int before = size();
-    rehash(before + 1);
-    HashNodeImpl* const node = insert_unique_noresize(Hash()(key), std::addressof(key), value);
-    return {iterator(this, node), size() != before};
+    const std::uint64_t hash = Hash()(key);
+    if (const HashNodeImpl* const node = findKey(key, hash)) return {iterator(this, node), false};
+    return {iterator(this, insertMissing(hash, std::addressof(key), value)), true};
   }
 };
 

@@ -1,6 +1,7 @@
 #include "Base/Containers/qvHashTableImpl.h"
 
 #include "Base/Containers/qvContainerHeap.h"
+#include "Base/Containers/qvPrefetch.h"
 
 #include <algorithm>
 #include <array>
@@ -39,10 +40,10 @@ constexpr bool lengthFindsEntry() {
 }
 static_assert(lengthFindsEntry());
 
-constexpr std::array<std::uint64_t, 32> reciprocalsOfPrimes() {
+constexpr std::array<std::uint64_t, 32> reciprocalsByLeadingZeros() {
   std::array<std::uint64_t, 32> reciprocals{};
   for (const std::uint32_t prime : primes)
-    reciprocals[static_cast<std::size_t>(std::bit_width(prime))] = UINT64_MAX / prime;
+    reciprocals[static_cast<std::size_t>(std::countl_zero(prime))] = UINT64_MAX / prime;
   return reciprocals;
 }
 
@@ -51,16 +52,9 @@ constexpr std::array<std::uint64_t, 32> reciprocalsOfPrimes() {
 constexpr std::uint32_t mostBuckets = 402653189;
 static_assert(sizeof(void*) > 8 || mostBuckets * std::uint64_t{sizeof(void*)} <= UINT32_MAX);
 
-/// Starts to load what will be read soon.
-inline void prefetch([[maybe_unused]] const void* address) noexcept {
-#if defined(__GNUC__)
-  __builtin_prefetch(address);
-#endif
-}
-
 } // namespace
 
-constinit const std::array<std::uint64_t, 32> HashTableImpl::sReciprocals = reciprocalsOfPrimes();
+constinit const std::array<std::uint64_t, 32> HashTableImpl::sReciprocals = reciprocalsByLeadingZeros();
 
 Node* HashTableImpl::HashNodeImpl::nextItem(HashTableImpl* table) noexcept {
   if (next) return next;
@@ -139,6 +133,12 @@ Node* HashTableImpl::get(std::uint64_t hash, const void* key) {
   return linkNewNode(&buckets_[bucketOf(hash)], hash, key, nullptr, typeUtil_->constructValue);
 }
 
+Node* HashTableImpl::insertMissing(std::uint64_t hash, const void* key, const void* value) {
+  const bool hasRoom = maxLoadFactor_ == 1.0F && count_ < buckets_.size();
+  if (!hasRoom) rehash(detail::countSum(count_, 1));
+  return linkNewNode(&buckets_[bucketOf(hash)], hash, key, value, nullptr);
+}
+
 Node* HashTableImpl::insert_unique_noresize(std::uint64_t hash, const void* key, const void* value) {
   HashNodeImpl** const head = &buckets_[bucketOf(hash)];
   for (HashNodeImpl* node = *head; node; node = node->next)
@@ -183,10 +183,10 @@ void HashTableImpl::moveNodes(int buckets) {
     waiting = 0;
   };
   for (int bucket = 0; bucket < buckets_.size(); ++bucket) {
-    if (bucket + bucketsAhead < buckets_.size()) prefetch(buckets_[bucket + bucketsAhead]);
+    if (bucket + bucketsAhead < buckets_.size()) detail::prefetch(buckets_[bucket + bucketsAhead]);
     for (HashNodeImpl* node = buckets_[bucket]; node;) {
       moves[waiting] = {node, &fresh[sRemainder(node->hash, buckets)]};
-      prefetch(moves[waiting].head);
+      detail::prefetch(moves[waiting].head);
       node = node->next; // before the node gets its new link
       if (++waiting == nodesAhead) link();
     }
@@ -199,7 +199,11 @@ void HashTableImpl::eraseNode(HashNodeImpl* node) {
   if (!node || count_ == 0) return;
   HashNodeImpl** link = &buckets_[bucketOf(node->hash)];
   while (*link && *link != node) link = &(*link)->next;
-  if (!*link) return;
+  if (*link) eraseLinked(link);
+}
+
+void HashTableImpl::eraseLinked(HashNodeImpl** link) {
+  HashNodeImpl* const node = *link;
   *link = node->next;
   freeNode(node);
   --count_;

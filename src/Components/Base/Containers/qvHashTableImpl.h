@@ -130,11 +130,27 @@ public:
   [[nodiscard]] QV_BASE_API int max_bucket_count() const noexcept;
 
 protected:
-  /// The first node of the chain in which a key with that hash stands, if it is there, for a walk that
-  /// compares inline; null if there is none.
-  [[nodiscard]] const HashNodeImpl* chainOf(std::uint64_t hash) const noexcept {
-    return count_ == 0 ? nullptr : buckets_[bucketOf(hash)];
+  /// The node with that key, as `findNode` finds it, with `equal(node)` inline; null if there is none.
+  template <class Equal>
+  [[nodiscard]] const HashNodeImpl* findNodeInline(std::uint64_t hash, Equal equal) const {
+    if (count_ == 0) return nullptr;
+    const HashNodeImpl* node = buckets_[bucketOf(hash)];
+    while (node && !(node->hash == hash && equal(node))) node = node->next;
+    return node;
   }
+  /// The link that leads to that node; null if there is none.
+  template <class Equal>
+  [[nodiscard]] HashNodeImpl** findLinkInline(std::uint64_t hash, Equal equal) {
+    if (count_ == 0) return nullptr;
+    HashNodeImpl** link = &buckets_[bucketOf(hash)];
+    while (*link && !((*link)->hash == hash && equal(*link))) link = &(*link)->next;
+    return *link ? link : nullptr;
+  }
+  /// Erases the node to which `link` leads.
+  QV_BASE_API void eraseLinked(HashNodeImpl** link);
+  /// Inserts a key that is known to be missing; grows the table as needed. The value is copied, or left raw
+  /// where `value` is null.
+  QV_BASE_API HashNodeImpl* insertMissing(std::uint64_t hash, const void* key, const void* value);
 
 private:
   friend struct detail::ContainerCheck;
@@ -149,7 +165,7 @@ private:
   [[nodiscard]] void* valuePtrOfNode(const HashNodeImpl* node) const noexcept {
     return const_cast<char*>(reinterpret_cast<const char*>(node)) + typeUtil_->valueOffset;
   }
-  /// floor(2^64 / prime) for the prime of each bit length.
+  /// floor(2^64 / prime) for the prime with each number of leading zero bits.
   QV_BASE_API static const std::array<std::uint64_t, 32> sReciprocals;
 
   /// The upper half of a product of 128 bits.
@@ -164,12 +180,13 @@ private:
 #endif
   }
   /// `hash % prime` for a prime of the series, without a division: the quotient by the truncated reciprocal
-  /// is exact or 1 too small.
+  /// is exact or 1 too small. That is corrected without a branch, which no processor could foretell.
   [[nodiscard]] static int sRemainder(std::uint64_t hash, int prime) noexcept {
-    const std::uint64_t divisor = static_cast<std::uint64_t>(prime);
-    const std::uint64_t reciprocal = sReciprocals[static_cast<std::size_t>(std::bit_width(divisor))];
+    const std::uint64_t divisor = static_cast<std::uint32_t>(prime);
+    const std::uint64_t reciprocal =
+        sReciprocals[static_cast<std::size_t>(std::countl_zero(static_cast<std::uint32_t>(prime) | 1))];
     const std::uint64_t rest = hash - sHighProduct(hash, reciprocal) * divisor;
-    return static_cast<int>(rest >= divisor ? rest - divisor : rest);
+    return static_cast<int>(rest - (divisor & (0 - std::uint64_t{rest >= divisor})));
   }
   [[nodiscard]] int bucketOf(std::uint64_t hash) const noexcept { return sRemainder(hash, buckets_.size()); }
 

@@ -20,7 +20,7 @@ public:
   using typename Base::iterator;
 
   /// The value of that key, which is inserted with a default value where it is missing.
-  Mapped& operator[](const Key& key) { return *static_cast<Mapped*>(this->valueAt(key)); }
+  Mapped& operator[](const Key& key) { return this->insertKey(key).first->second; }
 
   /// Sets the value of that key, new or not. True comes with a new element.
   template <class Value>

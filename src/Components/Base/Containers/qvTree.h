@@ -5,6 +5,7 @@
 #include "Base/Containers/qvKeyed.h"
 #include "Base/Containers/qvLess.h"
 #include "Base/Containers/qvPair.h"
+#include "Base/Containers/qvPrefetch.h"
 #include "Base/Containers/qvRBTreeImpl.h"
 #include "Base/Containers/qvRelocatable.h"
 
@@ -43,47 +44,61 @@ struct TreeRecord {
   static const Key& cast(const void* key) noexcept { return *static_cast<const Key*>(key); }
   static bool less(const void* a, const void* b) { return Less()(cast(a), cast(b)); }
 
-  /// `condition ? a : b`. No processor can predict which way a walk turns, and a comparison of scalars costs
-  /// less than a wrong guess, so that there is no branch for them.
-  static Node* chosen(bool condition, Node* a, Node* b) noexcept {
+  /// `condition ? a : b`. Random keys go either way at each node, and for scalars a comparison costs less
+  /// than a wrong guess: they are walked without a branch.
+  static const Node* chosen(bool condition, const Node* a, const Node* b) noexcept {
     if constexpr (std::is_scalar_v<Key>) {
       const std::uintptr_t mask = std::uintptr_t{0} - condition;
-      return reinterpret_cast<Node*>((reinterpret_cast<std::uintptr_t>(a) & mask) |
-                                     (reinterpret_cast<std::uintptr_t>(b) & ~mask));
+      return reinterpret_cast<const Node*>((reinterpret_cast<std::uintptr_t>(a) & mask) |
+                                           (reinterpret_cast<std::uintptr_t>(b) & ~mask));
     } else {
       return condition ? a : b;
     }
   }
-
-  static Node* lowerBound(const RBTreeImpl* tree, const void* key) {
-    const Key& wanted = cast(key);
-    Node* found = const_cast<Node*>(tree->end());
-    for (Node* node = tree->root(); node;) {
-      const bool right = Less()(keyOf(node), wanted);
-      found = chosen(right, found, node);
-      node = chosen(right, node->right, node->left);
+  /// Asks for both children: which one comes next is known only after the comparison.
+  static const Node* visit(const Node* node) noexcept {
+    prefetch(node->left);
+    prefetch(node->right);
+    return node;
+  }
+  /// Where a key is or belongs: the first node not less than it, and the free link that the walk ended at.
+  struct Place {
+    const Node* lowerBound;
+    const Node* parent;
+    bool toTheRight;
+  };
+  static Place placeOf(const RBTreeImpl* tree, const Key& key) {
+    Place place{tree->end(), tree->end(), false};
+    for (const Node* node = tree->root(); node;) {
+      place.parent = visit(node);
+      place.toTheRight = Less()(keyOf(node), key);
+      place.lowerBound = chosen(place.toTheRight, place.lowerBound, node);
+      node = chosen(place.toTheRight, node->right, node->left);
     }
-    return found;
+    return place;
+  }
+  static Node* lowerBound(const RBTreeImpl* tree, const void* key) {
+    return const_cast<Node*>(placeOf(tree, cast(key)).lowerBound);
   }
   static Node* upperBound(const RBTreeImpl* tree, const void* key) {
     const Key& wanted = cast(key);
-    Node* found = const_cast<Node*>(tree->end());
-    for (Node* node = tree->root(); node;) {
-      const bool left = Less()(wanted, keyOf(node));
+    const Node* found = tree->end();
+    for (const Node* node = tree->root(); node;) {
+      const bool left = Less()(wanted, keyOf(visit(node)));
       found = chosen(left, node, found);
       node = chosen(left, node->left, node->right);
     }
-    return found;
+    return const_cast<Node*>(found);
   }
   static bool findInsertPosition(RBTreeImpl* tree, const void* key, Node** parentOut) {
     const Key& wanted = cast(key);
-    Node* parent = tree->end();
+    const Node* parent = tree->end();
     bool left = true;
-    for (Node* node = tree->root(); node; node = chosen(left, node->left, node->right)) {
+    for (const Node* node = tree->root(); node; node = chosen(left, node->left, node->right)) {
       parent = node;
-      left = Less()(wanted, keyOf(node));
+      left = Less()(wanted, keyOf(visit(node)));
     }
-    *parentOut = parent;
+    *parentOut = const_cast<Node*>(parent);
     return left;
   }
   /// Recurses to the right only, so its depth is at most the tree's.
@@ -293,9 +308,9 @@ public:
   /// Drops all elements with that key, which may lie in one of them. Returns how many.
   int erase(const Key& key) {
     if constexpr (unique) {
-      Node* const node = const_cast<Node*>(findKey(key));
+      const Node* const node = findKey(key);
       if (node == RBTreeImpl::end()) return 0;
-      eraseNode(node);
+      eraseNode(const_cast<Node*>(node));
       return 1;
     } else {
       return eraseNodesMatching(std::addressof(key));
@@ -318,8 +333,6 @@ public:
   }
 
 protected:
-  /// The value of that key, inserted with a default value where it is missing.
-  void* valueAt(const Key& key) { return getValuePtr(std::addressof(key)); }
   /// Inserts a key with a default value.
   Inserted insertKey(const Key& key) {
     const int before = size();
@@ -342,12 +355,18 @@ private:
     return node == RBTreeImpl::end() || Less()(key, Record::keyOf(node)) ? RBTreeImpl::end() : node;
   }
 
-  template <class... Value>
-  Node* insertCopy(const Key& key, Value... value) {
-    if constexpr (unique)
-      return insertNodeUnique(std::addressof(key), value...);
-    else
-      return insertNodeNonUnique(std::addressof(key), value...);
+  /// Without a value it is default-constructed.
+  Node* insertCopy(const Key& key, const void* value = nullptr) {
+    if constexpr (unique) {
+      const typename Record::Place place = Record::placeOf(this, key);
+      Node* const found = const_cast<Node*>(place.lowerBound);
+      if (found != RBTreeImpl::end() && !Less()(key, Record::keyOf(found))) return found;
+      Node* const parent = const_cast<Node*>(place.parent);
+      return insertNode(place.toTheRight ? nullptr : parent, parent, std::addressof(key), value,
+                        place.toTheRight ? parent : nullptr);
+    } else {
+      return insertNodeNonUnique(std::addressof(key), value);
+    }
   }
   Node* insertCopyAt(Node* hint, const Key& key, const void* value) {
     if constexpr (unique)

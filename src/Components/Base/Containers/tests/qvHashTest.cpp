@@ -43,10 +43,10 @@ TYPED_TEST_SUITE(HashMapTest, Maps);
 template <class Map>
 bool same(const Map& tested, const std::map<int, int>& model) {
   std::size_t found = 0;
-  for (const auto& [key, value] : tested) {
+  for (const auto& element : tested) {
     const auto place =
-        std::find_if(model.begin(), model.end(), [&](const auto& e) { return key == e.first; });
-    if (place == model.end() || !(value == place->second)) return false;
+        std::find_if(model.begin(), model.end(), [&](const auto& e) { return element.first == e.first; });
+    if (place == model.end() || !(element.second == place->second)) return false;
     ++found;
   }
   return found == model.size();
