@@ -60,7 +60,6 @@ TEST(FileOperations, moveNeverLosesTheFile) {
   scratch.write("from", big);
   fs::create_symlink("from", scratch.path("link"));
   EXPECT_TRUE(fileMove(scratch.name("from"), scratch.name("link"), true));
-  EXPECT_TRUE(fileRename(scratch.name("from"), Filename(IString(scratch.path("from").c_str()), IString())));
   {
     qvTest::PlatformScript script;
     for (const char* call : {"clone", "copy", "write"}) script.failCall(0, EFBIG, call, 100);
@@ -84,9 +83,7 @@ TEST(FileOperations, renameStaysInTheDirectory) {
     return fileRename(scratch.name(from), scratch.name(to));
   };
   for (const char* target : {"b", "dir"}) {
-    const Error error = rename("a", target);
-    EXPECT_EQ(error.num(), 6);
-    EXPECT_STREQ(error.message(), "Unkown system error.");
+    EXPECT_EQ(rename("a", target), Error(6, "Unkown system error."));
   }
   EXPECT_EQ(rename("missing", "c").num(), 6);
   EXPECT_EQ(rename("missing", "dir/c").num(), 2) << "across directories it is a copy";
@@ -97,20 +94,18 @@ TEST(FileOperations, renameStaysInTheDirectory) {
   EXPECT_EQ(scratch.entries(), 2);
 }
 
-TEST(FileOperations, deleteAndAsk) {
+TEST(FileOperations, deleteTakesLinksAndNoDirectories) {
   const qvTest::Scratch scratch;
   const std::string path = scratch.write("f", "x");
   fs::create_symlink("f", scratch.path("link"));
   fs::create_symlink("nowhere", scratch.path("dangling"));
-  EXPECT_TRUE(doesFileExist(path.c_str()) && isFileWritable(filename(path)));
   EXPECT_FALSE(doesFileExist(scratch.path("dangling").c_str()));
   EXPECT_FALSE(fileDelete(scratch.name("link")));
   EXPECT_FALSE(fileDelete(scratch.path("dangling").c_str()));
   EXPECT_EQ(scratch.read("f"), "x");
   EXPECT_FALSE(fileDelete(qvTest::wide(path).asWChar()));
   const Error error = fileDelete(path.c_str());
-  EXPECT_EQ(error.num(), 1);
-  EXPECT_STREQ(error.message(), strerror(ENOENT));
+  EXPECT_EQ(error, Error(1, strerror(ENOENT)));
   EXPECT_EQ(fileDelete(filename(scratch.path())).num(), 1) << "a directory is no file";
 }
 
@@ -123,19 +118,11 @@ TEST(FileOperations, exportedFunctions) {
   EXPECT_FALSE(qvOS_CopyFileTo(from.c_str(), to.c_str())) << "false is success";
   EXPECT_EQ(scratch.read("to"), "12345");
   EXPECT_TRUE(qvOS_CopyFileTo(from.c_str(), from.c_str()));
-  EXPECT_TRUE(qvOS_CopyFileToW(qvTest::wide(from).asWChar(), scratch.name("no/x").asWChar()));
   EXPECT_TRUE(qvOS_IsFileWriteable(to.c_str()) && qvOS_IsFileWriteableW(qvTest::wide(to).asWChar()));
-  const struct {
-    int line;
-    int count, result;
-  } rows[] = {{__LINE__, 3, 3}, {__LINE__, 5, 5}, {__LINE__, 6, -1}, {__LINE__, 0, 0}, {__LINE__, -1, -1}};
-  for (const auto& row : rows) {
-    char buffer[8] = {};
-    EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), buffer, row.count), row.result) << row.line;
-    EXPECT_EQ(buffer, std::string("12345").substr(0, row.count > 0 ? row.count : 0));
-  }
-  char buffer[8];
-  EXPECT_EQ(qvOS_ReadHeaderFromFileW(scratch.name("no").asWChar(), buffer, 1), -1);
+  char buffer[8] = {};
+  for (const int count : {-1, 0, 5, 6})
+    EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), buffer, count), count == 6 ? -1 : count) << count;
+  EXPECT_STREQ(buffer, "12345");
   EXPECT_EQ(qvOS_ReadHeaderFromFile(from.c_str(), nullptr, 1), -1);
 }
 
@@ -143,16 +130,12 @@ TEST(Filesystem, tellsSpace) {
   const qvTest::Scratch scratch;
   struct statvfs expected;
   ASSERT_EQ(statvfs(scratch.path().c_str(), &expected), 0);
-  for (const std::string& path : {scratch.path(), scratch.path("missing")}) {
-    Filesystem system(qvTest::wide(path));
-    EXPECT_EQ(system.size(), 0u);
-    ASSERT_FALSE(system.stat());
-    EXPECT_EQ(system.blockSize(), 1024u);
-    EXPECT_EQ(system.size(), std::uint64_t(expected.f_blocks) * expected.f_frsize / 1024);
-    EXPECT_GT(system.avail(), 0u);
-    EXPECT_LE(system.avail(), system.size());
-    EXPECT_FALSE(system.isRemote());
-  }
+  Filesystem system(scratch.name("missing"));
+  EXPECT_EQ(system.size(), 0u);
+  ASSERT_FALSE(system.stat());
+  EXPECT_EQ(system.blockSize(), 1024u);
+  EXPECT_EQ(system.size(), std::uint64_t(expected.f_blocks) * expected.f_frsize / 1024);
+  EXPECT_TRUE(system.avail() > 0 && system.avail() <= system.size() && !system.isRemote());
   const struct {
     int line;
     const char *name, *failure;
@@ -167,12 +150,10 @@ TEST(Filesystem, tellsSpace) {
     EXPECT_EQ(elsewhere.stat(), Error(1, "Filesystem::stat(): %s", row.failure)) << row.line;
     EXPECT_EQ(elsewhere.isRemote(), row.remote) << row.line;
   }
-  Filesystem failing(qvTest::wide(scratch.path()));
   qvTest::PlatformScript script;
   script.failCall(0, EIO, "volume");
-  const Error error = failing.stat();
-  EXPECT_EQ(error, Error(1, "Filesystem::stat(): GetDiskFreeSpaceEx(%S) failed: %s",
-                         qvTest::wide(scratch.path()).asWChar(), strerror(EIO)));
+  EXPECT_EQ(system.stat(), Error(1, "Filesystem::stat(): GetDiskFreeSpaceEx(%S) failed: %s",
+                                 qvTest::wide(scratch.path()).asWChar(), strerror(EIO)));
 }
 
 } // namespace

@@ -7,13 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -37,11 +34,7 @@ std::string readAll(GetOpt& options) {
   while (const GetOpt::result* result = options.getOpt()) {
     told += std::string(options.getResultName(result).asChar()) + "(";
     options.getResultArgs(result, texts);
-    EXPECT_EQ(texts.size(), options.getNumArguments(result));
-    for (int i = 0; i < texts.size(); ++i) {
-      told += std::string(i ? "," : "") + texts[i].asUTF8();
-      EXPECT_EQ(options.getResultArg(result, i), texts[i]);
-    }
+    for (int i = 0; i < texts.size(); ++i) told += std::string(i ? "," : "") + texts[i].asUTF8();
     told += ") ";
   }
   if (options.hasErrors()) told += std::string("!") + options.getError().asUTF8() + " ";
@@ -60,26 +53,15 @@ std::string readAll(GetOpt& options, const std::string& words) {
 class Options : public GetOpt {
 public:
   Options() {
-    for (const auto& [name, types] :
-         std::initializer_list<std::pair<const char*, const char*>>{{"open", nullptr},
-                                                                    {"output", nullptr},
-                                                                    {"out", nullptr},
-                                                                    {"size", "int ? int"},
-                                                                    {"sequence", "sequence"},
-                                                                    {"flag", "bool"},
-                                                                    {"number", "int"},
-                                                                    {"real", "float"},
-                                                                    {"text", "string string"},
-                                                                    {"input", "inputfile"},
-                                                                    {"xinput", "inputfile-"},
-                                                                    {"write", "outputfile"},
-                                                                    {"xwrite", "outputfile-"},
-                                                                    {"both", "inoutfile"},
-                                                                    {"directory", "directory"},
-                                                                    {"many", "? string float"},
-                                                                    {"j|jobs", "integer  int"},
-                                                                    {"\xc3\xa9t\xc3\xa9", ""}})
-      EXPECT_GE(addOption(name, types), 0) << name;
+    using Names = std::initializer_list<const char*>;
+    for (const char* name : Names{"open", "outer", "out", "\xc3\xa9t\xc3\xa9"}) addOption(name, "");
+    for (const char* type : Names{"sequence", "bool", "int", "float", "inputfile", "inputfile-", "outputfile",
+                                  "outputfile-", "inoutfile", "directory"})
+      addOption(type, type);
+    addOption("size", "int ? int");
+    addOption("text", "string string");
+    addOption("many", "? string float");
+    addOption("j|jobs", "integer  int");
   }
   Error validInputFile(const IString& name) override { return check("input", name); }
   Error validOutputFile(const IString& name) override { return check("output", name); }
@@ -93,75 +75,57 @@ private:
 
 TEST(GetOpt, ReadsCommandLines) {
   const std::string unknown = "!Option does not exist or is ambiguous: ";
-  const std::string notBool = "    valid boolean types are: 1, 0, true,  false, yes, no, on, off.";
+  const std::string processing = "!While processing option: -";
   const struct {
     int line;
     std::string words;
     std::string told;
   } rows[] = {
       {__LINE__, "", ""},
-      {__LINE__, "-op --open -open", "open() open() open()"},
-      {__LINE__, "-out -outp", "out() output()"},
+      {__LINE__, "-op --open -out -oute", "open() open() out() outer()"},
       {__LINE__, "-o x", unknown + "-o +x"},
       {__LINE__, "--zzz", unknown + "--zzz"},
-      {__LINE__, "---open", unknown + "---open"},
       {__LINE__, "-\xc3\xa9 -\xc3\xa9t", "\xc3\xa9t\xc3\xa9() \xc3\xa9t\xc3\xa9()"},
-      {__LINE__, "-\xc3\xa8", unknown + "-\xc3\xa8"},
       {__LINE__, "- x", "!Malformed option: no option specified: - +x"},
       {__LINE__, "'' x", "!Malformed option: no option specified:  +x"},
       {__LINE__, "open", "!Malformed option: no leading dash: open"},
       {__LINE__, "[ -open", "![ encountered outside of a sequence. +-open"},
       {__LINE__, "]", "!] encountered outside of a sequence."},
       {__LINE__, "-open -- -out x", "open() +-out +x"},
-      {__LINE__, "-size 3", "size(3)"},
       {__LINE__, "-size 3 4 -open", "size(3,4) open()"},
       {__LINE__, "-size 3 -open", "size(3) open()"},
       {__LINE__, "-size 3 -4", "size(3) " + unknown + "-4"},
       {__LINE__, "-size 3 . -open", "size(3) !Malformed option: no leading dash: . +-open"},
-      {__LINE__, "-size -3x", "size(-3x)"},
       {__LINE__, "-size",
        "!Insufficient arguments when processing option: size\nUsage:\n  -size integer ? integer\n"},
-      {__LINE__, "-text a",
-       "!Insufficient arguments when processing option: text\nUsage:\n  -text string string\n"},
-      {__LINE__, "-text -open --", "text(-open,--)"},
-      {__LINE__, "-many", "many()"},
-      {__LINE__, "-many a", "many(a)"},
-      {__LINE__, "-many a x", "!While processing option: -many\n  Expected a floating point value, got: x"},
-      {__LINE__, "-jobs 4 -j 12ab", "jobs(4) jobs(12ab)"}, // an unknown kind is dropped
-      {__LINE__, "-number ''", "!While processing option: -number\n  Expected an integer, got: "},
-      {__LINE__, "-number - -open",
-       "!While processing option: -number\n  Expected an integer, got: - +-open"},
-      {__LINE__, "-number +3", "!While processing option: -number\n  Expected an integer, got: +3"},
-      {__LINE__, "-real 1 -real -.5x -real .5 -real -1", "real(1) real(-.5x) real(.5) real(-1)"},
-      {__LINE__, "-real .", "!While processing option: -real\n  Expected a floating point value, got: ."},
-      {__LINE__, "-real --1", "!While processing option: -real\n  Expected a floating point value, got: --1"},
-      {__LINE__, "-real -.", "!While processing option: -real\n  Expected a floating point value, got: -."},
-      {__LINE__, "-flag yes -flag on -flag true -flag 1", "flag(1) flag(1) flag(1) flag(1)"},
-      {__LINE__, "-flag no -flag off -flag false -flag 0", "flag(0) flag(0) flag(0) flag(0)"},
-      {__LINE__, "-flag TRUE",
-       "!While processing option: -flag\n  Expected a boolean type, got: TRUE\n" + notBool},
+      {__LINE__, "-text -open -- -many", "text(-open,--) many()"},
+      {__LINE__, "-many a x", processing + "many\n  Expected a floating point value, got: x"},
+      {__LINE__, "-jobs 4 -j -12ab", "jobs(4) jobs(-12ab)"}, // an unknown kind is dropped
+      {__LINE__, "-int - -open", processing + "int\n  Expected an integer, got: - +-open"},
+      {__LINE__, "-int +3", processing + "int\n  Expected an integer, got: +3"},
+      {__LINE__, "-float 1 -float -.5x -float -1", "float(1) float(-.5x) float(-1)"},
+      {__LINE__, "-float -.", processing + "float\n  Expected a floating point value, got: -."},
+      {__LINE__, "-bool yes -bool on -bool true -bool 1", "bool(1) bool(1) bool(1) bool(1)"},
+      {__LINE__, "-bool no -bool off -bool false -bool 0", "bool(0) bool(0) bool(0) bool(0)"},
+      {__LINE__, "-bool TRUE",
+       processing + "bool\n  Expected a boolean type, got: TRUE\n"
+                    "    valid boolean types are: 1, 0, true,  false, yes, no, on, off."},
       {__LINE__, "-sequence [ a [ b ] c ] -open", "sequence(a,[,b,],c) open()"},
       {__LINE__, "-sequence a -b [ c ] -open", "sequence(a,-b,c) open()"},
       {__LINE__, "-sequence [ a [ . -open", "sequence(a,[) open()"},
-      {__LINE__, "-sequence [a b", "sequence([a,b)"},
       {__LINE__, "-sequence ] [ [ x", "sequence(],[,x)"},
-      {__LINE__, "-sequence a ] ] b", "!While processing option: -sequence\n  Too many ']' characters"},
-      {__LINE__, "-sequence . -open", "sequence() open()"},
-      {__LINE__, "-input a -xinput - -xinput b", "input(a) xinput(-) xinput(b)"},
-      {__LINE__, "-input - b",
-       "!While processing option: -input  (InputFile)\n  The filename \"-\" is not valid +b"},
-      {__LINE__, "-xinput input", "!While processing option: -xinput  (InputFile)\n  no input input"},
-      {__LINE__, "-write a -xwrite - -xwrite b", "write(a) xwrite(-) xwrite(b)"},
-      {__LINE__, "-write -",
-       "!While processing option: -write  (OutputFile)\n  The filename \"-\" is not valid"},
-      {__LINE__, "-xwrite output", "!While processing option: -xwrite  (OutputFile)\n  no output output"},
-      {__LINE__, "-both -", "both(-)"},
-      {__LINE__, "-both inputoutput",
-       "!While processing option: -both  (InputOutputFile)\n  no input inputoutput"},
-      {__LINE__, "-both output", "!While processing option: -both  (InputOutputFile)\n  no output output"},
-      {__LINE__, "-directory -", "directory(-)"},
-      {__LINE__, "-directory directory",
-       "!While processing option: -directory  (Directory)\n  no directory directory"},
+      {__LINE__, "-sequence a ] ] b", processing + "sequence\n  Too many ']' characters"},
+      {__LINE__, "-inputfile a -inputfile- -", "inputfile(a) inputfile-(-)"},
+      {__LINE__, "-inputfile - b",
+       processing + "inputfile  (InputFile)\n  The filename \"-\" is not valid +b"},
+      {__LINE__, "-inputfile- input", processing + "inputfile-  (InputFile)\n  no input input"},
+      {__LINE__, "-outputfile a -outputfile- -", "outputfile(a) outputfile-(-)"},
+      {__LINE__, "-outputfile -", processing + "outputfile  (OutputFile)\n  The filename \"-\" is not valid"},
+      {__LINE__, "-outputfile- output", processing + "outputfile-  (OutputFile)\n  no output output"},
+      {__LINE__, "-inout - -directory -", "inoutfile(-) directory(-)"},
+      {__LINE__, "-inout inputoutput", processing + "inoutfile  (InputOutputFile)\n  no input inputoutput"},
+      {__LINE__, "-inout output", processing + "inoutfile  (InputOutputFile)\n  no output output"},
+      {__LINE__, "-directory directory", processing + "directory  (Directory)\n  no directory directory"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
@@ -172,9 +136,9 @@ TEST(GetOpt, ReadsCommandLines) {
 
 TEST(GetOpt, GoesOnAsItIsTold) {
   Options options;
-  EXPECT_EQ(readAll(options, "-number x -open"),
-            "!While processing option: -number\n  Expected an integer, got: x +-open");
-  EXPECT_EQ(options.getResultName(options.getCurrentResult()), "number");
+  EXPECT_EQ(readAll(options, "-int x -open"),
+            "!While processing option: -int\n  Expected an integer, got: x +-open");
+  EXPECT_EQ(options.getResultName(options.getCurrentResult()), "int");
   EXPECT_EQ(options.getOpt(), nullptr);
   EXPECT_EQ(options.getCurrentResult(), nullptr);
   options.resetError();
@@ -183,15 +147,11 @@ TEST(GetOpt, GoesOnAsItIsTold) {
   const GetOpt::result* result = options.getOpt();
   EXPECT_EQ(options.getResultIndex(result), 0);
   EXPECT_EQ(options.getResultOption(result), options.getOption(0));
-  EXPECT_EQ(options.getCurrentResult(), result);
   options.abort();
   EXPECT_EQ(readAll(options), "! +-out");
   options.resetError();
   options.needLeadingDash(false);
-  EXPECT_FALSE(options.getNeedLeadingDash());
-  EXPECT_EQ(readAll(options, "out -out --out ''"),
-            "out() out() out() !Malformed option: no option specified: ");
-  options.resetError();
+  EXPECT_EQ(readAll(options, "out -out --out"), "out() out() out()");
   EXPECT_EQ(readAll(options, "--"), "");
   EXPECT_EQ(readAll(options, "open"), "+open"); // the end stays
 
@@ -202,7 +162,6 @@ TEST(GetOpt, GoesOnAsItIsTold) {
   EXPECT_EQ(narrow.getResultArg(text, 0), IString(QV_W("h\u00e9")));
   EXPECT_EQ(qvOS::toNativePath(narrow.getResultArg(text, 1)), "a\xff");
   EXPECT_EQ(narrow.getResultArg(text, 2), IString());
-  EXPECT_EQ(narrow.getResultArg(text, -1), IString());
   const qv::WChar* const wide[] = {QV_W("-o"), QV_W("-open")};
   narrow.initialize(2, wide);
   EXPECT_EQ(readAll(narrow), "!Option does not exist or is ambiguous: -o +-open");
@@ -221,14 +180,12 @@ TEST(GetOpt, ExplainsItsTable) {
   EXPECT_EQ(options.addOption(nullptr, nullptr), 4);
   EXPECT_EQ(options.getNumOptions(), 5);
   EXPECT_EQ(options.getOption(5), nullptr);
-  EXPECT_EQ(options.getOption(-1), nullptr);
   EXPECT_EQ(options.findOption("q"), 1);
   EXPECT_EQ(options.findOption("qui"), -1);
   EXPECT_EQ(options.findOption("quick"), 2);
   EXPECT_EQ(options.findOption(""), 4);
   const GetOpt::option* zoom = options.getOption(0);
   EXPECT_EQ(options.getOptionName(zoom), "zoom");
-  EXPECT_EQ(options.getOptionIndex(zoom), 0);
   EXPECT_EQ(options.getOptionIndex(nullptr), -1);
   EXPECT_STREQ(options.getOptionTitle(zoom).asUTF8(), "-zoom float ? sequence file file directory\n");
   // Both attempts to name something "zoom" count, so no shorter prefix is its own.
@@ -248,7 +205,6 @@ TEST(GetOpt, ExplainsItsTable) {
   options.markOptionDeprecated(3);
   options.markOptionDeprecated(77);
   for (int i = -1; i < 5; ++i) EXPECT_EQ(options.isOptionDeprecated(i), i == 3);
-  EXPECT_TRUE(options.isOptionDeprecated(options.getOption(3)));
   qv::vector<int> sorted;
   options.getSortedOptions(sorted);
   EXPECT_EQ(sorted, (qv::vector<int>{4, 2, 3, 1, 0}));
@@ -275,19 +231,15 @@ TEST(GetOpt, ChecksFilesOnTheDisk) {
       {__LINE__, in, "aux.txt", -1, "aux is a reserved device name.  Please choose another name."},
       {__LINE__, out, "file", -1, ""},
       {__LINE__, out, "fresh", -1, ""},
-      {__LINE__, out, ".", -1, "%s exists but is not a file."},
       {__LINE__, out, "file", 1, "%s is not writable."},
       {__LINE__, out, "none/fresh", -1, "Directory for %s does not exist."},
       {__LINE__, out, "file/fresh", -1, "%s is not a valid path."},
       {__LINE__, out, "fresh", 1, "Directory is not writable: %d"},
-      {__LINE__, out, "COM1", -1, "COM1 is a reserved device name.  Please choose another name."},
       {__LINE__, both, "file", -1, ""},
-      {__LINE__, both, "fresh", -1, "%s does not exist."},
       {__LINE__, both, "file", 3, "%s is not writable."},
       {__LINE__, directory, ".", -1, ""},
       {__LINE__, directory, "none", -1, "%s does not exist."},
       {__LINE__, directory, "file", -1, "%s exists but is not a directory."},
-      {__LINE__, directory, "nul", -1, "nul is a reserved device name.  Please choose another name."},
   };
   const IString base = qvOS::fromNativePath(CString(scratch.path().c_str()));
   for (const auto& row : rows) {
@@ -311,37 +263,17 @@ TEST(GetOpt, ChecksFilesOnTheDisk) {
 }
 
 // What the search is to find, told by going through all the names.
-class NaiveTable {
-public:
-  bool add(const std::string& name, int index) {
-    attempts_.push_back(name);
-    return names_.emplace(name, index).second;
+int naiveFind(const std::map<std::string, int>& names, std::string word) {
+  if (const auto exact = names.find(word); exact != names.end()) return exact->second;
+  for (;;) {
+    std::string next;
+    for (const auto& [name, index] : names)
+      if (name.size() > word.size() && name.starts_with(word) && next.find(name[word.size()]) == next.npos)
+        next += name[word.size()];
+    if (next.size() != 1) return next.empty() && names.contains(word) ? names.at(word) : -1;
+    word += next;
   }
-  int find(std::string word) const {
-    if (const auto exact = names_.find(word); exact != names_.end()) return exact->second;
-    for (;;) {
-      std::set<char> next;
-      for (const auto& [name, index] : names_)
-        if (name.size() > word.size() && name.starts_with(word)) next.insert(name[word.size()]);
-      if (next.size() != 1) return next.empty() && names_.contains(word) ? names_.at(word) : -1;
-      word += *next.begin();
-    }
-  }
-  std::string shortest(const std::string& name, int index) const {
-    for (std::size_t length = 1; length < name.size(); ++length) {
-      const std::string prefix = name.substr(0, length);
-      const auto exact = names_.find(prefix);
-      const auto passes = std::count_if(attempts_.begin(), attempts_.end(),
-                                        [&](const std::string& each) { return each.starts_with(prefix); });
-      if ((exact != names_.end() && exact->second == index) || passes == 1) return prefix;
-    }
-    return name;
-  }
-
-private:
-  std::vector<std::string> attempts_; // taken names too
-  std::map<std::string, int> names_;
-};
+}
 
 TEST(GetOpt, FindsWhatTheNaiveSearchFinds) {
   qvTest::Random random(45);
@@ -353,25 +285,19 @@ TEST(GetOpt, FindsWhatTheNaiveSearchFinds) {
   int found = 0;
   for (int round = 0; round < 200; ++round) {
     GetOpt options;
-    NaiveTable naive;
-    std::vector<std::string> names;
+    std::map<std::string, int> names;
     for (int i = random.between(1, 12); i > 0; --i) {
-      const std::string name = word(6), other = word(4);
-      const bool two = random.oneIn(3);
-      const int index = static_cast<int>(names.size());
-      const bool added = naive.add(name, index);
-      EXPECT_EQ(options.addOption((two ? other + "|" + name : name).c_str(), nullptr), added ? index : -1);
-      if (added) names.push_back(name);
-      if (added && two) naive.add(other, index);
+      const std::string name = word(6);
+      const int index = options.addOption(name.c_str(), nullptr);
+      EXPECT_EQ(index >= 0, !names.contains(name));
+      names.emplace(name, index);
     }
     for (int i = 0; i < 100; ++i) {
       const std::string typed = word(6);
-      const int index = naive.find(typed);
+      const int index = naiveFind(names, typed);
       ASSERT_EQ(options.findOption(typed.c_str()), index) << typed;
       found += index >= 0;
     }
-    for (int i = 0; i < static_cast<int>(names.size()); ++i)
-      ASSERT_EQ(options.getOptionShortestName(options.getOption(i)).view(), naive.shortest(names[i], i));
   }
   EXPECT_GT(found, 1000);
 }

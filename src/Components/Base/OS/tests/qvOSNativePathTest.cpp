@@ -9,7 +9,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <map>
 #include <set>
 
 using qvOS::DirectoryIterator;
@@ -29,15 +28,12 @@ TEST(NativePath, ReachesEveryName) {
   for (const std::string& name : names) directory.write(name, name);
 
   const Filename scratch(wide(directory.path()));
-  EXPECT_TRUE(scratch.isAbsolute());
   std::set<std::string> seen, listed;
   for (DirectoryIterator it(scratch); it.next();) {
     const std::string name = native(it.name());
     seen.insert(name);
     EXPECT_EQ(native(it.path().name()), directory.path(name));
     EXPECT_EQ(it.path().basename(), it.name());
-    EXPECT_EQ(it.path().dirname(), scratch.name());
-    EXPECT_TRUE(Filename(it.name()).prefix().isEmpty());
     EXPECT_EQ(directory.read(native(Filename(it.path().name(), '/').basename())), name);
     qvOS::File file(it.path().name());
     std::string text(name.size(), ' ');
@@ -57,58 +53,37 @@ TEST(NativePath, ReachesEveryName) {
   EXPECT_EQ(directory.entries(), 0);
 }
 
-TEST(DirectoryIterator, TellsDirectoriesAndLinks) {
+TEST(DirectoryIterator, TellsKindsAndWhyItCannotWalk) {
   const qvTest::Directory directory;
   namespace fs = std::filesystem;
   fs::create_directory(directory.path("sub"));
   directory.write("file", "");
   fs::create_directory_symlink("sub", directory.path("to-sub"));
   fs::create_symlink("nowhere", directory.path("dangling"));
-  std::map<std::string, std::string> kinds;
-  DirectoryIterator it(Filename(wide(directory.path())));
-  while (it.next())
-    kinds[native(it.name())] = std::string(it.isDirectory() ? "d" : "-") + (it.isLink() ? "l" : "-");
-  EXPECT_FALSE(it.next());
-  EXPECT_FALSE(it.error());
-  EXPECT_EQ(kinds, (std::map<std::string, std::string>{
-                       {"sub", "d-"}, {"file", "--"}, {"to-sub", "dl"}, {"dangling", "-l"}}));
-}
-
-TEST(DirectoryIterator, TellsWhyItCannotWalk) {
-  const qvTest::Directory directory;
-  const struct {
-    std::string path;
-    int code;
-  } rows[] = {{directory.path("missing"), 18}, {directory.write("file", ""), 10}, {"", 18}};
-  for (const auto& row : rows) {
-    DirectoryIterator it(Filename(wide(row.path)));
+  const auto walk = [](const std::string& path, int code) {
+    std::set<std::string> kinds;
+    DirectoryIterator it(Filename(wide(path)));
+    while (it.next())
+      kinds.insert(native(it.name()) + (it.isDirectory() ? " d" : " ") + (it.isLink() ? "l" : ""));
     EXPECT_FALSE(it.next());
-    EXPECT_EQ(it.error().num(), row.code) << row.path;
-  }
+    EXPECT_EQ(it.error().num(), code) << path;
+    return kinds;
+  };
+  EXPECT_EQ(walk(directory.path(), 0), (std::set<std::string>{"sub d", "file ", "to-sub dl", "dangling l"}));
+  EXPECT_TRUE(walk(directory.path("missing"), 18).empty() && walk(directory.path("file"), 10).empty());
   qvTest::PlatformScript script;
   script.failCall(1, EIO, "readdir");
-  DirectoryIterator it(Filename(wide(directory.path())));
-  while (it.next()) {
-  }
-  EXPECT_EQ(it.error().num(), 4);
-  EXPECT_FALSE(it.next());
+  EXPECT_EQ(walk(directory.path(), 4).size(), 1u);
 }
 
 TEST(ExtendedPath, PutsTheLongPrefixBeforeAWholePath) {
   const std::string cwd = std::filesystem::current_path();
-  const struct {
-    int line;
-    const char* name;
-    std::string extended;
-  } rows[] = {
-      {__LINE__, "C:/a\\..\\b\\", "\\\\?\\C:\\b"},
-      {__LINE__, "\\\\srv\\share\\x", "\\\\?\\UNC\\srv\\share\\x"},
-      {__LINE__, "\\tmp\\x", "\\\\?\\C:\\tmp\\x"},
-  };
   IString out;
-  for (const auto& row : rows) {
-    EXPECT_FALSE(qvOS::makeExtendedPath(row.name, out));
-    EXPECT_EQ(out.asUTF8(), row.extended) << "line " << row.line;
+  for (const auto& [name, extended] : {std::pair("C:/a\\..\\b\\", "\\\\?\\C:\\b"),
+                                       {"\\\\srv\\share\\x", "\\\\?\\UNC\\srv\\share\\x"},
+                                       {"\\tmp\\x", "\\\\?\\C:\\tmp\\x"}}) {
+    EXPECT_FALSE(qvOS::makeExtendedPath(name, out));
+    EXPECT_STREQ(out.asUTF8(), extended);
   }
   EXPECT_FALSE(qvOS::makeExtendedPath("x\\y", out));
   EXPECT_EQ(native(out), cwd + "/x/y");

@@ -22,41 +22,27 @@ TEST(URL, TakesLocatorsApart) {
   } rows[] = {
       {__LINE__, "XY://Host:8080/A b", "xy", "host:8080", "host", 8080, "/A b", "", "", "/A%20b"},
       {__LINE__, "xy://h:", "xy", "h:", "h", 80, "/", "", "", "/"},
-      {__LINE__, "xy://:9/x", "xy", ":9", "", 9, "/x", "", "", "/x"},
       {__LINE__, "xy://:/x", "xy", ":", "", 80, "/x", "", "", "/x"},
-      {__LINE__, "xy://h", "xy", "h", "h", 80, "/", "", "", "/"},
       {__LINE__, "xy://h?q#r", "xy", "h?q#r", "h?q#r", 80, "/", "", "", "/"},
       {__LINE__, "https://h/", "https", "h", "h", 443, "/", "", "", "/"},
-      {__LINE__, "telnet://h", "telnet", "h", "h", 23, "/", "", "", "/"},
       {__LINE__, "ftp://u:p@h/x", "ftp", "u:p@h", "u", 0, "/x", "", "", "/x"},
-      {__LINE__, "xy://h/p#f?q", "xy", "h", "h", 80, "/p#f", "", "", "/p#f"},
       {__LINE__, "xy://h/p#f?qq", "xy", "h", "h", 80, "/p#f", "qq", "", "/p#f"},
-      {__LINE__, "xy://h/p?", "xy", "h", "h", 80, "/p", "", "", "/p"},
       {__LINE__, "xy://h/p?a", "xy", "h", "h", 80, "/p", "", "", "/p"},
       {__LINE__, "xy://h/p?ab", "xy", "h", "h", 80, "/p", "ab", "", "/p"},
       {__LINE__, "xy://h/p?a#r?s", "xy", "h", "h", 80, "/p", "a", "r?s", "/p"},
-      {__LINE__, "xy://h/p?#", "xy", "h", "h", 80, "/p", "", "", "/p"},
-      {__LINE__, "xy://h/p#", "xy", "h", "h", 80, "/p", "", "", "/p"},
-      {__LINE__, "xy://h/p#r", "xy", "h", "h", 80, "/p", "", "r", "/p"},
       {__LINE__, "xy://?ab", "xy", "", "", 80, "", "ab", "", ""},
-      {__LINE__, "xy://#r", "xy", "", "", 80, "", "", "r", ""},
-      {__LINE__, "xy://?a/b", "xy", "?a", "?a", 80, "/b", "", "", "/b"},
       {__LINE__, "xy://", "xy", "", "", 80, "/", "", "", "/"},
       {__LINE__, "://h/x", "", "h", "h", 80, "/x", "", "", "/x"},
       {__LINE__, "xy://h/a\\b//c/", "xy", "h", "h", 80, "/a/b/c/", "", "", "/a/b/c/"},
       {__LINE__, "xy://h/a%20b", "xy", "h", "h", 80, "/a%20b", "", "", "/a%2520b"},
-      {__LINE__, "xy://h/a/../b", "xy", "h", "h", 80, "/a/../b", "", "", "/a/../b"},
       {__LINE__, "xy://h:99999999999999999999/", "xy", "h:99999999999999999999", "h",
        static_cast<int>(9223372036854775807), "/", "", "", "/"},
       // Plain paths and files.
       {__LINE__, "", "file", "", "", 80, "", "", "", ""},
-      {__LINE__, "C://x", "file", "", "", 80, "C:\\x", "", "", "C:\\x"},
       {__LINE__, "a/b?c#d", "file", "", "", 80, "a\\b?c#d", "", "", "a\\b?c#d"},
       {__LINE__, "/C:/x y/", "file", "", "", 80, "C:\\x y", "", "", "C:\\x%20y"},
       {__LINE__, "file:///C:/x", "file", "", "", 80, "C:\\x", "", "", "C:\\x"},
-      {__LINE__, "FILE:///tmp/x", "file", "", "", 80, "\\tmp\\x", "", "", "\\tmp\\x"},
       {__LINE__, "file://srv/x", "file", "", "", 80, "srv\\x", "", "", "srv\\x"},
-      {__LINE__, "file://", "file", "", "", 80, "\\", "", "", "\\"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
@@ -69,7 +55,6 @@ TEST(URL, TakesLocatorsApart) {
     EXPECT_EQ(shown(url.getPath(true)), row.encodedPath);
     EXPECT_EQ(shown(url.getQuery(false)), row.query);
     EXPECT_EQ(shown(url.getRef(false)), row.ref);
-    EXPECT_EQ(url.isLocalFile(), std::string(row.protocol) == "file");
   }
 }
 
@@ -81,10 +66,7 @@ TEST(URL, PutsItselfTogether) {
       {__LINE__, "xy://H/a b/c?q r#s<", "xy://h/a%20b/c?q%20r#s%3C", "xy://h/a%20b/c", "xy://h/a%20b/",
        "/a%20b/c"},
       {__LINE__, "xy://h", "xy://h/", "xy://h/", "xy://h", "/"},
-      {__LINE__, "xy://h/c", "xy://h/c", "xy://h/c", "xy://h/", "/c"},
-      {__LINE__, "C:\\d\\f", "file://C:\\d\\f", "C:\\d\\f", "C:\\d\\", "C:\\d\\f"},
       {__LINE__, "C:\\d\\", "file://C:\\d", "C:\\d\\", "C:\\", "C:\\d"},
-      {__LINE__, "C:\\", "file://C:\\", "C:\\", "C:\\", "C:\\"},
       {__LINE__, "d/", "file://d", "d", "\\", "d"},
       {__LINE__, "", "file://", "\\", "\\", ""},
   };
@@ -96,17 +78,9 @@ TEST(URL, PutsItselfTogether) {
     EXPECT_EQ(shown(url.getDirname(true)), row.dirname);
     EXPECT_EQ(shown(url.getCanonicalPath(true)), row.canonicalPath);
   }
-}
-
-TEST(URL, SplitsItsPath) {
   const URL remote("xy://h/a/../d e/t.s/");
-  EXPECT_EQ(shown(remote.dirname(false)), "/d e");
-  EXPECT_EQ(shown(remote.dirname(true)), "/d%20e");
-  EXPECT_EQ(shown(remote.basename(false)), "t.s");
-  EXPECT_EQ(shown(remote.baseTrunk(false)), "t");
-  EXPECT_EQ(shown(remote.baseSuffix(false)), "s");
-  EXPECT_EQ(remote.getSeparator(), '/');
-  EXPECT_TRUE(URL("xy://h").basename(false).isEmpty());
+  EXPECT_EQ(shown(remote.dirname(false)) + "|" + shown(remote.dirname(true)), "/d e|/d%20e");
+  EXPECT_EQ(shown(remote.baseTrunk(false)) + "|" + shown(remote.baseSuffix(false)), "t|s");
   // A copy takes the platform's separator, an assigned value keeps the slash.
   const URL copied(remote);
   EXPECT_EQ(shown(copied.basename(false)), "/d e/t.s");
@@ -127,11 +101,8 @@ TEST(URL, KnowsWhatIsAbsolute) {
     EXPECT_EQ(isAbsolutePath(row.text), row.absolutePath) << row.text;
     EXPECT_EQ(isLocalFile(row.text), row.local) << row.text;
   }
-  EXPECT_TRUE(URL("IMAN://x").IsIMan());
-  EXPECT_FALSE(URL("xy://iman").IsIMan());
-}
-
-TEST(URL, ComparesPathsByTheRuleOfItsProtocol) {
+  EXPECT_TRUE(URL("IMAN://x").IsIMan() && !URL("xy://iman").IsIMan());
+  // Paths compare by the rule of their protocol.
   EXPECT_TRUE(URL("C:\\A").comparePath(URL("c:/a")));
   EXPECT_TRUE(URL("xy://H/a").comparePath(URL("xy://h/a?q")));
   EXPECT_FALSE(URL("xy://h/A").comparePath(URL("xy://h/a")));
@@ -167,9 +138,7 @@ TEST(URL, FindsIllegalCharacters) {
 
 TEST(URL, RemovesSeparators) {
   EXPECT_EQ(shown(URL::removeDuplicateSeparators("||a||b|||c", '|')), "||a|b|c");
-  EXPECT_EQ(shown(URL::removeTrailingSeparators("a//", '/')), "a");
-  EXPECT_EQ(shown(URL::removeTrailingSeparators("/", '/')), "/");
-  EXPECT_EQ(shown(URL::removeTrailingSeparators("", '/')), "");
-  EXPECT_EQ(shown(URL::removeTrailingSeparators("//srv/", '/')), "//srv/");
-  EXPECT_EQ(shown(URL::removeTrailingSeparators("C:/", '/')), "C:/");
+  for (const auto& [text, left] :
+       {std::pair("a//", "a"), {"/", "/"}, {"", ""}, {"//srv/", "//srv/"}, {"C:/", "C:/"}})
+    EXPECT_EQ(shown(URL::removeTrailingSeparators(text, '/')), left);
 }
