@@ -36,7 +36,7 @@ public:
     if (action_) action_();
     trace += static_cast<char>(letter_ - 'a' + 'A'); // after the action: the object must still be there
   }
-  static void* instance(char letter) { return &targets[letter - 'a']; }
+  static void* instance(char letter) { return targets + (letter - 'a'); }
   static int alive;
   static char targets[26];
 
@@ -79,8 +79,6 @@ TEST(Signal, SurvivesWhatASlotDoes) {
     const char* second;
     int left;
   } rows[] = {
-      {__LINE__, "nothing", [](Scene&) {}, "cCbBaA", "cCbBaA", 3},
-      {__LINE__, "cut itself", [](Scene& s) { s.signal->disconnect(s.b); }, "cCbBaA", "cCaA", 2},
       {__LINE__, "cut itself twice",
        [](Scene& s) {
          s.signal->disconnect(s.b);
@@ -107,12 +105,6 @@ TEST(Signal, SurvivesWhatASlotDoes) {
        "cCbcCaABaA", "cCaA", 2},
       {__LINE__, "destroy the signal", [](Scene& s) { s.signal.reset(); }, "cCbB", "", 0},
       {__LINE__, "destroy the client", [](Scene& s) { s.client.reset(); }, "cCbB", "cC", 1},
-      {__LINE__, "destroy the client, then the signal",
-       [](Scene& s) {
-         s.client.reset();
-         s.signal.reset();
-       },
-       "cCbB", "", 0},
       {__LINE__, "block the next", [](Scene& s) { s.signal->block(s.a); }, "cCbB", "cCbB", 3},
       {__LINE__, "block all but the newest", [](Scene& s) { s.signal->blockAll(); }, "cCbB", "cC", 3},
   };
@@ -129,38 +121,27 @@ TEST(Signal, SurvivesWhatASlotDoes) {
   }
 }
 
-TEST(Signal, SurvivesNestedDestruction) {
+TEST(Signal, SurvivesItsEndInsideOfCalls) {
   // The innermost of three nested emits destroys the signal: each pass ends after its running slot.
   auto signal = std::make_unique<qvRTB::SignalVoid>();
   int depth = 0;
   signal->addCallback(new Slot('a'));
-  signal->addCallback(new Slot('b', [&] {
-    if (++depth < 3)
-      signal->emit();
-    else
-      signal.reset();
-  }));
+  signal->addCallback(new Slot('b', [&] { ++depth < 3 ? signal->emit() : signal.reset(); }));
   trace.clear();
   signal->emit();
   EXPECT_EQ(trace, "bbbBBB");
   EXPECT_EQ(Slot::alive, 0);
-}
 
-TEST(Signal, SurvivesWhatTheDestructorOfAFunctionDoes) {
-  for (const bool destroySignal : {false, true}) {
-    auto signal = std::make_unique<qvRTB::SignalVoid>();
-    Connection* next = signal->addCallback(new Slot('a'));
-    Connection* cut = nullptr;
+  for (const bool destroySignal : {false, true}) { // and a function's destructor cuts another slot
+    signal = std::make_unique<qvRTB::SignalVoid>();
+    Connection *next = signal->addCallback(new Slot('a')), *cut = nullptr;
     const auto cutNext = [&] {
       if (signal) signal->disconnect(next);
     };
     cut = signal->addCallback(new Slot(
         'b', [&] { signal->disconnect(cut); }, cutNext));
     trace.clear();
-    if (destroySignal)
-      signal.reset();
-    else
-      signal->emit();
+    destroySignal ? signal.reset() : signal->emit();
     EXPECT_EQ(trace, destroySignal ? "" : "bB");
     EXPECT_EQ(Slot::alive, 0);
   }
@@ -175,19 +156,13 @@ TEST(Signal, CutsWithEitherSide) {
   {
     Listener listener;
     Connection* connection = signal.connect(&listener, &Listener::heard, listener);
-    other.connect(&listener, &Listener::heard, listener);
     EXPECT_EQ(signal.findInstance(&listener), connection);
     EXPECT_EQ(signal.findInstance(&signal), nullptr);
-    signal.disconnect(connection);
-    EXPECT_FALSE(signal.isConnected());
-    signal.connect(&listener, &Listener::heard, listener);
+    other.connect(&listener, &Listener::heard, listener);
     signal.emit();
     other.emit();
     EXPECT_EQ(listener.calls, 2);
-    {
-      qvRTB::SignalVoid shortLived;
-      shortLived.connect(&listener, &Listener::heard, listener);
-    }
+    qvRTB::SignalVoid().connect(&listener, &Listener::heard, listener);
   }
   EXPECT_FALSE(signal.isConnected() || other.isConnected());
 }
@@ -207,38 +182,30 @@ TEST(Signal, Blocks) {
   EXPECT_FALSE(other.isBlocked(foreign));
   signal.blockAll(); // the newest connection is passed over
   EXPECT_EQ(emits(), "aA");
-  signal.block(connection);
-  signal.block(connection);
+  for (int i = 0; i < 2; ++i) signal.block(connection);
   signal.unblock(connection);
   EXPECT_TRUE(signal.isBlocked(connection));
-  EXPECT_EQ(emits(), "");
   signal.unblock(connection);
   EXPECT_EQ(emits(), "aA");
   signal.unblock(connection); // one too many: not told as blocked, and not called
   EXPECT_FALSE(signal.isBlocked(connection));
   EXPECT_EQ(emits(), "");
   EXPECT_EQ(signal.addCallback(nullptr), nullptr);
-}
 
-TEST(Signal, UnblocksAllThatItBlocked) {
   Scene scene([](Scene&) {});
-  qvRTB::SignalVoid& signal = *scene.signal;
-  signal.block(scene.b);
-  for (int i = 0; i < 2; ++i) signal.blockAll();
-  signal.unblockAll();
-  EXPECT_TRUE(signal.isBlocked(scene.a));
-  EXPECT_FALSE(signal.isBlocked(scene.c));
+  scene.signal->block(scene.b);
+  for (int i = 0; i < 2; ++i) scene.signal->blockAll();
+  scene.signal->unblockAll();
   EXPECT_EQ(scene.emit(), "cC");
-  signal.unblockAll();
+  scene.signal->unblockAll();
   EXPECT_EQ(scene.emit(), "cCaA"); // `b` keeps its own block
 }
 
 // Cuts its newest connection, which is found nevertheless while it runs.
 void cutItself(qvRTB::SignalBase& signal) {
-  void* const self = reinterpret_cast<void*>(&cutItself);
-  Connection* const newest = signal.findGlobalCallback(self);
+  Connection* const newest = signal.findGlobalCallback(reinterpret_cast<void*>(&cutItself));
   signal.disconnect(newest);
-  EXPECT_EQ(signal.findGlobalCallback(self), newest);
+  EXPECT_EQ(signal.findGlobalCallback(reinterpret_cast<void*>(&cutItself)), newest);
 }
 
 TEST(Signal, FindsTheNewest) {
@@ -252,18 +219,10 @@ TEST(Signal, FindsTheNewest) {
   EXPECT_EQ(signal.numConnections(), 1);
 }
 
-int received = 0;
-void receive(int value) { received += value; }
-
 TEST(Signal, CarriesArguments) {
+  int received = 0;
   qvRTB::SignalArg<int> number;
-  Connection* global = number.connect(receive);
-  EXPECT_EQ(number.findGlobalCallback(reinterpret_cast<void*>(&receive)), global);
-  EXPECT_EQ(number.findGlobalCallback(&received), nullptr);
-  number.connect([](int value) { received += 10 * value; });
-  number.emit(4);
-  EXPECT_EQ(received, 44);
-
+  number.connect([&](int value) { received += value; });
   struct Target {
     std::string text;
     void take(const std::string& name, void* pointer, int value) {
@@ -271,18 +230,17 @@ TEST(Signal, CarriesArguments) {
     }
   } target;
   qvRTB::Signal3Args<const std::string&, void*, int> three;
-  three.connect(&target, &Target::take);
-  three.connect(&target, &Target::take);
+  for (int i = 0; i < 2; ++i) three.connect(&target, &Target::take);
   three.emit("size", &target, 3);
   EXPECT_EQ(target.text, "size!3size!3");
 
   struct Carrier : qvRTB::AsyncSignal {
     qvRTB::SignalArg<int>& signal;
     explicit Carrier(qvRTB::SignalArg<int>& of) : signal(of) {}
-    void emit() override { signal.emit(1); }
+    void emit() override { signal.emit(7); }
   };
   std::unique_ptr<qvRTB::AsyncSignal>(new Carrier(number))->emit();
-  EXPECT_EQ(received, 55);
+  EXPECT_EQ(received, 7);
 }
 
 TEST(Signal, StaysWholeAfterExceptions) {
@@ -300,23 +258,8 @@ TEST(Signal, StaysWholeAfterExceptions) {
 }
 
 // Slots do random things, three emits deep; a model tells at each call which slot is due.
-class RandomScene {
-public:
-  explicit RandomScene(std::uint64_t seed) : random_(seed) {}
-
-  void run() {
-    for (int round = 0; round < 400; ++round) {
-      signal_ = std::make_unique<qvRTB::SignalVoid>();
-      for (int i = random_.between(0, 8); i > 0; --i) add();
-      for (int i = 0; i < 4 && signal_; ++i) emit();
-      signal_.reset();
-      model_.clear();
-      ASSERT_TRUE(last_.empty());
-    }
-    EXPECT_GT(calls_, 5000);
-  }
-
-private:
+class SignalModel : public testing::Test {
+protected:
   struct Entry {
     Connection* connection;
     int blocks;
@@ -370,7 +313,7 @@ private:
     }
   }
 
-  qvTest::Random random_;
+  qvTest::Random random_{20};
   qvRTB::SignalClient client_;
   std::unique_ptr<qvRTB::SignalVoid> signal_;
   std::map<int, Entry, std::greater<>> model_;
@@ -379,6 +322,16 @@ private:
   int calls_ = 0;
 };
 
-TEST(Signal, FollowsTheModel) { RandomScene(20).run(); }
+TEST_F(SignalModel, IsFollowed) {
+  for (int round = 0; round < 400; ++round) {
+    signal_ = std::make_unique<qvRTB::SignalVoid>();
+    for (int i = random_.between(0, 8); i > 0; --i) add();
+    for (int i = 0; i < 4 && signal_; ++i) emit();
+    signal_.reset();
+    model_.clear();
+    ASSERT_TRUE(last_.empty());
+  }
+  EXPECT_GT(calls_, 5000);
+}
 
 } // namespace

@@ -14,11 +14,7 @@ void* const seenEarly = qvPlatform::libraryModule();
 TEST(PlatformModule, IsRecordedBeforeStaticsAreBuilt) {
   EXPECT_NE(seenEarly, nullptr);
   EXPECT_EQ(qvPlatform::libraryModule(), seenEarly);
-}
-
-TEST(PlatformModule, PathIsAbsoluteAndExists) {
   const std::string path = qvPlatform::libraryPath();
-  ASSERT_FALSE(path.empty());
-  EXPECT_EQ(path[0], '/');
+  EXPECT_EQ(path.substr(0, 1), "/");
   EXPECT_TRUE(std::ifstream(path).good());
 }

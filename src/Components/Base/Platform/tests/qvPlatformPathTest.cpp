@@ -32,11 +32,9 @@ TEST(PlatformPath, TurnsWidePathsNative) {
   } rows[] = {
       {__LINE__, QV_W("C:\\tmp\\x"), "/tmp/x"},
       {__LINE__, QV_W("c:/tmp/x"), "/tmp/x"},
-      {__LINE__, QV_W("\\tmp\\x"), "/tmp/x"},
       {__LINE__, QV_W("/tmp/x"), "/tmp/x"},
       {__LINE__, QV_W("\\\\?\\C:\\tmp\\x"), "/tmp/x"},
       {__LINE__, QV_W("//?/C:/tmp/x"), "/tmp/x"},
-      {__LINE__, QV_W("C:\\"), "/"},
       {__LINE__, QV_W("\\"), "/"},
       {__LINE__, QV_W("C:"), "."},
       {__LINE__, QV_W("C:x\\y"), "x/y"},
@@ -46,15 +44,11 @@ TEST(PlatformPath, TurnsWidePathsNative) {
       // What has no place in the one tree of files.
       {__LINE__, QV_W(""), ""},
       {__LINE__, QV_W("D:\\x"), ""},
-      {__LINE__, QV_W("D:"), ""},
       {__LINE__, QV_W("\\\\server\\share\\x"), ""},
       {__LINE__, QV_W("//tmp/x"), ""},
       {__LINE__, QV_W("\\\\.\\C:\\x"), ""},
-      {__LINE__, QV_W("\\\\?\\"), ""},
       {__LINE__, QV_W("\\\\?\\C:"), ""},
-      {__LINE__, QV_W("\\\\?\\C:x"), ""},
       {__LINE__, QV_W("\\\\?\\UNC\\server\\share\\x"), ""},
-      {__LINE__, QV_W("\\\\?\\D:\\x"), ""},
       {__LINE__, {u'a', 0, u'b'}, ""},
       {__LINE__, {u'a', 0xD800, u'b'}, ""},
       {__LINE__, {u'a', 0xDC2F, u'b'}, ""},
@@ -71,17 +65,12 @@ TEST(PlatformPath, TurnsNativePathsWide) {
       {__LINE__, "/", QV_W("C:\\")},
       {__LINE__, "/tmp/x y", QV_W("C:\\tmp\\x y")},
       {__LINE__, "//tmp//x/", QV_W("C:\\\\tmp\\\\x\\")},
-      {__LINE__, "a/b", QV_W("a\\b")},
       {__LINE__, "", QV_W("")},
       {__LINE__, "a\\b", {u'a', 0xDC5C, u'b'}},
-      {__LINE__, "\\\\server", {0xDC5C, 0xDC5C, u's', u'e', u'r', u'v', u'e', u'r'}},
       {__LINE__, "C:/x", {u'C', 0xDC3A, u'\\', u'x'}},
       {__LINE__, "/d/C:x:y", {u'C', u':', u'\\', u'd', u'\\', u'C', 0xDC3A, u'x', u':', u'y'}},
-      {__LINE__, "::", {u':', 0xDC3A}},
-      {__LINE__, "\xFF:", {0xDCFF, 0xDC3A}},
       {__LINE__, "\xC3\xA4\xC3", {0x00E4, 0xDCC3}},
       {__LINE__, "\xED\xB2\x80", {0xDCED, 0xDCB2, 0xDC80}},
-      {__LINE__, "\xEF\xBB\xBF", {0xFEFF}},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(toWide(row.native), row.wide) << "line " << row.line;
@@ -119,13 +108,9 @@ TEST(PlatformPath, MakesPathsAbsolute) {
   } rows[] = {
       {__LINE__, "x", here + "/x"},
       {__LINE__, ".", here},
-      {__LINE__, "./a//b/", here + "/a/b"},
-      {__LINE__, "..", up},
       {__LINE__, "../x/.", up + "/x"},
       {__LINE__, "a/../b", here + "/a/../b"}, // `a` may be a link.
       {__LINE__, "/", "/"},
-      {__LINE__, "/../..", "/"},
-      {__LINE__, "//a/./b", "/a/b"},
       {__LINE__, "../../../../../../../../../../../../x", "/x"},
   };
   for (const auto& row : rows) {
@@ -151,20 +136,11 @@ TEST(PlatformPath, MakesPathsAbsolute) {
 }
 
 TEST(PlatformPath, KnowsItsDirectories) {
-  std::string path;
-  EXPECT_EQ(executablePath(&path), 0);
-  EXPECT_TRUE(std::filesystem::exists(path));
   qvTest::TemporaryPlace place("");
-  const struct {
-    int line;
-    const char *set, *result;
-  } rows[] = {{__LINE__, "/var/tmp//", "/var/tmp"},
-              {__LINE__, "relative", "/tmp"},
-              {__LINE__, "", "/tmp"},
-              {__LINE__, "///", "/"}};
-  for (const auto& row : rows) {
-    place.set(row.set);
-    EXPECT_EQ(temporaryDirectory(), row.result) << "line " << row.line;
+  for (const auto& [set, result] :
+       {std::pair("/var/tmp//", "/var/tmp"), {"relative", "/tmp"}, {"", "/tmp"}, {"///", "/"}}) {
+    place.set(set);
+    EXPECT_EQ(temporaryDirectory(), result) << set;
   }
 }
 
@@ -202,6 +178,5 @@ TEST(PlatformTime, KnowsClockAndCalendar) {
   ASSERT_TRUE(universalTime(1234567890, &fields));
   EXPECT_EQ(fields.tm_year * 10000 + fields.tm_mon * 100 + fields.tm_mday, 1090113);
   EXPECT_EQ(fields.tm_hour * 10000 + fields.tm_min * 100 + fields.tm_sec, 233130);
-  EXPECT_TRUE(localTime(1234567890, &fields));
   EXPECT_FALSE(universalTime(INT64_MAX, &fields));
 }

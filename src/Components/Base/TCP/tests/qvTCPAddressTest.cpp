@@ -27,15 +27,12 @@ TEST(TCPAddress, ReadsHostAndPort) {
     bool numbers;
     bool loopback;
   } rows[] = {
-      {__LINE__, "127.0.0.1:80", "127.0.0.1", 80, true, true},
       {__LINE__, "127.0.0.1", "127.0.0.1", -1, true, true},
       {__LINE__, "127.0.0.2:1", "127.0.0.2", 1, true, false},
-      {__LINE__, "localhost:80", "localhost", 80, false, false},
       {__LINE__, "localhost:http", "localhost", 0, false, false},
       {__LINE__, "localhost:", "localhost", 0, false, false},
       {__LINE__, "::1", "::1", -1, false, false},
       {__LINE__, "a:b:1", "a:b:1", -1, false, false},
-      {__LINE__, "1.2.3.4.5", "1.2.3.4.5", -1, false, false},
       {__LINE__, "0x7f.1", "0x7f.1", -1, true, false},
   };
   for (const auto& row : rows) {
@@ -50,46 +47,37 @@ TEST(TCPAddress, ReadsHostAndPort) {
   }
 }
 
-template <class Make>
-std::string thrownBy(Make make) {
-  try {
-    make();
-  } catch (const Error& error) {
-    return std::to_string(error.num()) + " " + error.message();
-  }
-  return "";
-}
-
 TEST(TCPAddress, RefusesAnEmptyHost) {
-  EXPECT_EQ(thrownBy([] { Address("", 80); }), "2 qvTCP::Address: empty address specified");
-  EXPECT_EQ(thrownBy([] { Address(qvString::IString(":80")); }), "2 qvTCP::Address: empty address specified");
+  const auto thrownBy = [](auto make) {
+    try {
+      make();
+    } catch (const Error& error) {
+      return error;
+    }
+    return Error();
+  };
+  const Error none(2, "qvTCP::Address: empty address specified");
+  EXPECT_EQ(thrownBy([] { Address("", 80); }), none);
+  EXPECT_EQ(thrownBy([] { Address(qvString::IString(":80")); }), none);
   EXPECT_EQ(thrownBy([] { Address{qvString::IString()}; }),
-            "2 qvTCP::Address: empty address or incorectly formed address");
+            Error(2, "qvTCP::Address: empty address or incorectly formed address"));
 }
 
-TEST(TCPAddress, Compares) {
-  const Address number("127.0.0.1", 80);
-  EXPECT_TRUE(number == Address(qvString::IString("127.0.0.1:80")));
-  EXPECT_FALSE(number == Address("127.0.0.1", 81));
-  EXPECT_FALSE(number == Address("127.0.0.2", 80));
+TEST(TCPAddress, ComparesAndLooksUpHosts) {
+  EXPECT_TRUE(Address("127.0.0.1", 80) == Address(qvString::IString("127.0.0.1:80")));
   EXPECT_TRUE(Address("host", 1) == Address("host", 1));
-  EXPECT_FALSE(Address("host", 1) == Address("other", 1));
-  EXPECT_FALSE(Address("host", 1) == number);
-}
-
-TEST(TCPAddress, LooksUpHosts) {
+  for (const Address& other : {Address("host", 2), Address("other", 1), Address("127.0.0.1", 1)})
+    EXPECT_FALSE(Address("host", 1) == other);
   const Address name("localhost", 1);
   const auto number = name.getNumbersAndDots();
   EXPECT_FALSE(number.second) << number.second.message();
   EXPECT_EQ(number.first, Address::localhost);
-  EXPECT_TRUE(name.isNumbersAndDotsCached() && name.isNameCached());
-  EXPECT_FALSE(name.isLocalLoopback());
+  EXPECT_TRUE(name.isNumbersAndDotsCached() && name.isNameCached() && !name.isLocalLoopback());
 
   const Address loopback("127.0.0.1", 1);
   const auto itsName = loopback.getName(); // which this machine may not know
   EXPECT_EQ(itsName.second.num() == 0, loopback.isNameCached());
   EXPECT_EQ(itsName.first.isEmpty(), !loopback.isNameCached());
-  EXPECT_FALSE(itsName.first == Address::localhost);
 
   EXPECT_EQ(Address("no such host", 1).resolve().num(), 3);
   EXPECT_EQ(Address("no such host", 1).getAddrInfo(false), nullptr);
@@ -105,7 +93,6 @@ TEST(TCPAddress, LooksUpHosts) {
   EXPECT_NE(list, nullptr);
   qvPlatform::freeAddressList(list);
   EXPECT_FALSE(Address::localhostName().isEmpty());
-  EXPECT_EQ(&Address::localhostName(), &Address::localhostName());
 }
 
 TEST(TCPFamilies, ObeyTheEnvironment) {
@@ -114,15 +101,12 @@ TEST(TCPFamilies, ObeyTheEnvironment) {
   const unsigned six = all & qvPlatform::familyIPv6 ? qvPlatform::familyIPv6 : 0;
   const struct {
     int line;
-    bool ipv4Only;
-    bool ipv6Only;
+    bool ipv4Only, ipv6Only;
     unsigned expected;
-  } rows[] = {
-      {__LINE__, false, false, all},
-      {__LINE__, true, false, qvPlatform::familyIPv4},
-      {__LINE__, false, true, six ? six : all},
-      {__LINE__, true, true, six ? six : qvPlatform::familyIPv4},
-  };
+  } rows[] = {{__LINE__, false, false, all},
+              {__LINE__, true, false, qvPlatform::familyIPv4},
+              {__LINE__, false, true, six ? six : all},
+              {__LINE__, true, true, six ? six : qvPlatform::familyIPv4}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
     if (row.ipv4Only) setenv("QV_IPV4_ONLY", "", 1);
