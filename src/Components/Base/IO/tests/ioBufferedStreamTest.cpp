@@ -316,10 +316,9 @@ TEST(ioBufferedStream, TellsFailuresOfTheDisk) {
       ioBufferedStreamOutput output;
       ioBufferedStream& stream = row.forReading ? static_cast<ioBufferedStream&>(input) : output;
       stream.openFile(file);
-      if (row.forReading)
-        (void)input.readChar();
-      else
-        push(output, chain), output.writeString("data");
+      push(output, row.forReading ? "" : chain);
+      if (!row.forReading) output.writeString("data");
+      if (row.forReading) (void)input.readChar();
       stream.close();
       EXPECT_EQ(stream.getStatus(), row.status) << row.line << chain;
       EXPECT_EQ(script.failures(), 1) << row.line << chain;
