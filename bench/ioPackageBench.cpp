@@ -41,24 +41,33 @@ const Sources& sources() {
   return made;
 }
 
+// Wide text is what names files and entries here, as bytes are for the peer.
+std::vector<qvString::IString> widened(const std::vector<std::string>& texts) {
+  std::vector<qvString::IString> wide;
+  for (const std::string& text : texts) wide.emplace_back(text.c_str());
+  return wide;
+}
+
 class Base {
 public:
-  Base() : path_(sources().directory.path("package").c_str()) {}
+  Base()
+      : path_(sources().directory.path("package").c_str()),
+        paths_(widened(sources().paths)),
+        names_(widened(sources().names)) {}
 
   [[nodiscard]] bool make() const {
     ioPackageFile package;
     bool good = !package.open(path_);
-    for (std::size_t i = 0; i < fileCount; ++i)
-      good = !package.addEntry(sources().paths[i].c_str(), sources().names[i].c_str(), false) && good;
+    for (std::size_t i = 0; i < fileCount; ++i) good = !package.addEntry(paths_[i], names_[i], false) && good;
     return !package.update() && good;
   }
   bool open() {
     package_ = std::make_unique<ioPackageFile>();
     return !package_->open(path_) && package_->size() == int{fileCount};
   }
-  bool read(const std::string& name, char (&bytes)[fileSize]) {
+  bool read(std::size_t i, char (&bytes)[fileSize]) {
     ioBufferedStreamInput stream;
-    stream.openPackageFileEntry(package_->getEntry(name.c_str()));
+    stream.openPackageFileEntry(package_->getEntry(names_[i]));
     const bool whole = stream.readData(bytes, fileSize) == int{fileSize};
     stream.close();
     return whole;
@@ -66,6 +75,8 @@ public:
 
 private:
   qvString::IString path_;
+  std::vector<qvString::IString> paths_;
+  std::vector<qvString::IString> names_;
   std::unique_ptr<ioPackageFile> package_;
 };
 
@@ -91,8 +102,8 @@ public:
     archive_.reset(zip_open(path_.c_str(), ZIP_RDONLY, nullptr));
     return archive_ && zip_get_num_entries(archive_.get(), 0) == zip_int64_t{fileCount};
   }
-  bool read(const std::string& name, char (&bytes)[fileSize]) {
-    zip_file_t* const file = zip_fopen(archive_.get(), name.c_str(), 0);
+  bool read(std::size_t i, char (&bytes)[fileSize]) {
+    zip_file_t* const file = zip_fopen(archive_.get(), sources().names[i].c_str(), 0);
     const bool whole = file && zip_fread(file, bytes, fileSize) == zip_int64_t{fileSize};
     return file && zip_fclose(file) == 0 && whole;
   }
@@ -116,7 +127,7 @@ std::uint64_t readAll(benchmark::State& state, Who& who) {
   std::uint64_t result = 0;
   char bytes[fileSize];
   for (const std::size_t i : sources().order) {
-    require(state, who.read(sources().names[i], bytes));
+    require(state, who.read(i, bytes));
     std::uint64_t sample = 0;
     std::memcpy(&sample, bytes + i % (fileSize - sizeof sample), sizeof sample);
     result = qvBench::mixed(result, sample);

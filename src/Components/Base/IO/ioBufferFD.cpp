@@ -40,6 +40,11 @@ std::int64_t ioBufferFD::tellLink() {
   return position;
 }
 
+std::int64_t ioBufferFD::fileSize() const {
+  qvPlatform::FileInfo info;
+  return qvPlatform::queryHandle(fileDescriptor_, &info) ? -1 : info.size;
+}
+
 void ioBufferFD::closeLink() {
   if (fileDescriptor_ < 0) return;
   if (ownsDescriptor_ && qvPlatform::closeFile(fileDescriptor_)) setStatus(ioBufferFailed);

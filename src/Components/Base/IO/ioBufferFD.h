@@ -24,6 +24,8 @@ public:
   /// A negative position stands for the end of the file.
   bool seekLink(std::int64_t position) override;
   std::int64_t tellLink() override;
+  /// The size of the open file in bytes; -1 where it cannot be told.
+  [[nodiscard]] std::int64_t fileSize() const;
   [[nodiscard]] int kind() const override { return ioBufferKindFD; }
   void closeLink() override;
   /// -1 with no descriptor, with a status that is not good, and on a failure.

@@ -1,8 +1,5 @@
 #include "Base/IO/ioBufferFileSubset.h"
 
-#include "Base/IO/ioBufferedStream.h"
-#include "Base/String/qvStringIString.h"
-
 #include <algorithm>
 #include <limits>
 
@@ -27,7 +24,7 @@ void ioBufferFileSubset::openSlice(const qvString::IString& name, std::int64_t s
   sliceSize_ = size;
   setStatus(file_.getStatus());
   if (!good()) return;
-  const std::int64_t fileSize = ioBufferedStream::fileSize(name);
+  const std::int64_t fileSize = file_.fileSize();
   if (fileSize < 0)
     setStatus(ioBufferFailed);
   else if (fileSize < saturatedSum(start, size))

@@ -275,7 +275,7 @@ IString& IString::toUpperCase() {
 }
 bool IString::isAscii() const { return allAscii(view()); }
 
-int IString::compare(const IString& other) const { return compareText(view(), other.view()); }
+int IString::compare(const IString& other) const { return compareText(str_->view(), other.str_->view()); }
 int IString::collate(const IString& other) const {
   return std::wcscoll(runtimeForm(asWChar()).c_str(), runtimeForm(other.asWChar()).c_str());
 }

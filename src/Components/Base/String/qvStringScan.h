@@ -101,7 +101,7 @@ template <class C, class Predicate>
 /// Ordinal order of unsigned characters.
 template <class C>
 [[nodiscard]] int compareText(View<C> a, View<C> b) noexcept {
-  constexpr std::size_t block = 32;
+  constexpr std::size_t block = 8 / sizeof(C);
   const std::size_t common = std::min(a.size(), b.size());
   std::size_t pos = 0;
   while (common - pos >= block && equalChars(a.data() + pos, b.data() + pos, block)) pos += block;
