@@ -18,41 +18,6 @@ bool waitReadable(int descriptor) {
   return ::poll(&entry, 1, 10'000) > 0;
 }
 
-// Stores the loopback's address in `storage`; returns its size.
-socklen_t loopback(bool ipv6, int port, sockaddr_storage& storage) {
-  storage = {};
-  if (ipv6) {
-    auto& address = reinterpret_cast<sockaddr_in6&>(storage);
-    address.sin6_family = AF_INET6;
-    address.sin6_addr = in6addr_loopback;
-    address.sin6_port = htons(static_cast<std::uint16_t>(port));
-    return sizeof address;
-  }
-  auto& address = reinterpret_cast<sockaddr_in&>(storage);
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  return sizeof address;
-}
-
-int portOf(int descriptor) {
-  sockaddr_in6 address{}; // both families have the port in the same place
-  socklen_t size = sizeof address;
-  return ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) ? 0
-                                                                                 : ntohs(address.sin6_port);
-}
-
-// A socket on that port; it has none where the port could not be had.
-int bindLoopback(bool ipv6, int port) {
-  const int descriptor = ::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_storage address;
-  const socklen_t size = loopback(ipv6, port, address);
-  const int on = 1;
-  if (ipv6) ::setsockopt(descriptor, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
-  (void)::bind(descriptor, reinterpret_cast<sockaddr*>(&address), size);
-  return descriptor;
-}
-
 template <class T>
 T optionOf(std::intptr_t socket, int level, int option) {
   T value{};
@@ -118,19 +83,24 @@ void Peer::reset() {
   close();
 }
 
-Listener::Listener(bool ipv6) : descriptor_(bindLoopback(ipv6, 0)), port_(portOf(descriptor_)) {
-  if (::listen(descriptor_, 64)) port_ = 0;
+RefusingPort::RefusingPort(int port, bool ipv6)
+    : Peer(::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in6 six{};
+  sockaddr_in four{};
+  six.sin6_family = AF_INET6;
+  six.sin6_addr = in6addr_loopback;
+  four.sin_family = AF_INET;
+  four.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  six.sin6_port = four.sin_port = htons(static_cast<std::uint16_t>(port));
+  auto* const address = ipv6 ? reinterpret_cast<sockaddr*>(&six) : reinterpret_cast<sockaddr*>(&four);
+  socklen_t size = ipv6 ? sizeof six : sizeof four;
+  const int on = 1;
+  if (ipv6) ::setsockopt(descriptor_, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+  if (::bind(descriptor_, address, size) || ::getsockname(descriptor_, address, &size)) return;
+  port_ = ntohs(ipv6 ? six.sin6_port : four.sin_port);
 }
 
-Listener::~Listener() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-}
-
-RefusingPort::RefusingPort(int port) : descriptor_(bindLoopback(false, port)), port_(portOf(descriptor_)) {}
-
-RefusingPort::~RefusingPort() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-}
+Listener::Listener(bool ipv6) : RefusingPort(0, ipv6) { (void)::listen(descriptor_, 64); }
 
 std::unique_ptr<Peer> Listener::accept() const {
   if (!waitReadable(descriptor_)) return nullptr;

@@ -40,43 +40,29 @@ public:
   /// Closes so that the other side sees a reset.
   void reset();
 
-private:
+protected:
   int descriptor_;
+};
+
+/// Holds a port of the loopback, `port` or one that the system chooses, on which connections are refused.
+class RefusingPort : protected Peer {
+public:
+  explicit RefusingPort(int port = 0, bool ipv6 = false);
+
+  /// 0 where the port could not be had.
+  [[nodiscard]] int port() const { return port_; }
+
+private:
+  int port_ = 0;
 };
 
 /// Listens on a port of the loopback that the system chooses.
-class Listener {
+class Listener : public RefusingPort {
 public:
   explicit Listener(bool ipv6 = false);
-  ~Listener();
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
 
-  /// 0 where it could not listen.
-  [[nodiscard]] int port() const { return port_; }
   /// The next connection; null where none came.
   [[nodiscard]] std::unique_ptr<Peer> accept() const;
-
-private:
-  int descriptor_;
-  int port_;
-};
-
-/// Holds a port of the IPv4 loopback, `port` or one that the system chooses, on which connections are
-/// refused.
-class RefusingPort {
-public:
-  explicit RefusingPort(int port = 0);
-  ~RefusingPort();
-  RefusingPort(const RefusingPort&) = delete;
-  RefusingPort& operator=(const RefusingPort&) = delete;
-
-  /// 0 where the port is another's.
-  [[nodiscard]] int port() const { return port_; }
-
-private:
-  int descriptor_;
-  int port_;
 };
 
 } // namespace qvTest

@@ -23,52 +23,42 @@ public:
   PlatformScript& operator=(const PlatformScript&) = delete;
 
   /// The script that is running.
-  [[nodiscard]] static PlatformScript& running() { return *current(); }
+  [[nodiscard]] static PlatformScript& running() { return *current_; }
 
   /// The call with index `n` from now on, among those called `name` or among all for null, fails with `error`
   /// instead of reaching the system; `times` of them in a row do. Adds a rule to those that are there.
-  /// @return the rule's number.
-  int failCall(int n, int error, const char* name = nullptr, int times = 1) {
+  void failCall(int n, int error, const char* name = nullptr, int times = 1) {
     const std::lock_guard lock(mutex_);
     rules_.push_back({name ? name : "", n, times, error, 0});
-    return static_cast<int>(rules_.size()) - 1;
   }
-  /// How many calls that rule made to fail.
-  [[nodiscard]] int failures(int rule = 0) const {
+  /// How many calls the first rule made to fail.
+  [[nodiscard]] int failures() const {
     const std::lock_guard lock(mutex_);
-    return rules_.empty() ? 0 : rules_.at(static_cast<std::size_t>(rule)).failures;
+    return rules_.at(0).failures;
   }
   /// The names of all calls so far, in order.
-  [[nodiscard]] std::vector<std::string> calls() const { return locked(calls_); }
-  /// How many calls of that name came, or of all for null.
-  [[nodiscard]] int count(const char* name = nullptr) const {
-    const std::vector<std::string> all = calls();
-    return static_cast<int>(name ? std::count(all.begin(), all.end(), name)
-                                 : static_cast<std::ptrdiff_t>(all.size()));
-  }
-  void clear() {
+  [[nodiscard]] std::vector<std::string> calls() const {
     const std::lock_guard lock(mutex_);
-    calls_.clear();
+    return calls_;
+  }
+  /// How many calls of that name came.
+  [[nodiscard]] int count(const char* name) const {
+    const std::vector<std::string> all = calls();
+    return static_cast<int>(std::count(all.begin(), all.end(), name));
   }
 
 private:
   struct Rule {
     std::string name;
-    std::int64_t skip;
-    std::int64_t times;
-    int error;
-    int failures;
+    std::int64_t skip, times;
+    int error, failures;
   };
 
   static void install(PlatformScript* script) {
-    current() = script;
+    current_ = script;
     qvPlatform::callHook = script ? &hook : nullptr;
   }
-  static PlatformScript*& current() {
-    static PlatformScript* script = nullptr;
-    return script;
-  }
-  static int hook(const char* name) noexcept { return current()->announced(name); }
+  static int hook(const char* name) noexcept { return current_->announced(name); }
 
   int announced(const char* name) {
     const std::lock_guard lock(mutex_);
@@ -83,12 +73,7 @@ private:
     return error;
   }
 
-  template <class T>
-  T locked(const T& value) const {
-    const std::lock_guard lock(mutex_);
-    return value;
-  }
-
+  static inline PlatformScript* current_ = nullptr;
   mutable std::mutex mutex_;
   std::vector<std::string> calls_;
   std::vector<Rule> rules_;

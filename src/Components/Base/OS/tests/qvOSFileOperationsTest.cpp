@@ -47,11 +47,9 @@ TEST(FileOperations, copyReportsEveryFailure) {
   for (const char* name : {"from", "there", "fresh"}) EXPECT_EQ(scratch.read(name), "new") << name;
   EXPECT_EQ(scratch.entries(), 6);
 
-  const std::string from = scratch.path("missing");
-  const std::string to = scratch.path("x");
-  const Error error = fileCopy(qvTest::wide(from).asWChar(), qvTest::wide(to).asWChar(), false);
-  EXPECT_EQ(error.message(), "Error copying " + std::string(filename(from).name().asUTF8()) + " to " +
-                                 filename(to).name().asUTF8() + ": " + strerror(ENOENT));
+  const IString from = scratch.name("missing"), to = scratch.name("x");
+  EXPECT_EQ(fileCopy(from.asWChar(), to.asWChar(), false),
+            Error(2, "Error copying %S to %S: %s", from.asWChar(), to.asWChar(), strerror(ENOENT)));
 }
 
 TEST(FileOperations, moveNeverLosesTheFile) {
@@ -104,8 +102,7 @@ TEST(FileOperations, deleteTakesLinksAndNoDirectories) {
   EXPECT_FALSE(fileDelete(scratch.path("dangling").c_str()));
   EXPECT_EQ(scratch.read("f"), "x");
   EXPECT_FALSE(fileDelete(qvTest::wide(path).asWChar()));
-  const Error error = fileDelete(path.c_str());
-  EXPECT_EQ(error, Error(1, strerror(ENOENT)));
+  EXPECT_EQ(fileDelete(path.c_str()), Error(1, strerror(ENOENT)));
   EXPECT_EQ(fileDelete(filename(scratch.path())).num(), 1) << "a directory is no file";
 }
 

@@ -66,16 +66,10 @@ public:
 };
 
 TEST(File, errorTable) {
-  const struct {
-    int code;
-    const char* message;
-  } rows[] = {{-1, ""},
-              {0, ""},
-              {3, "End Of File"},
-              {13, "The directory is not empty"},
-              {19, "Cannot become the parent of a root directory"},
-              {20, ""}};
-  for (const auto& row : rows) EXPECT_EQ(File::getError(row.code), Error(row.code, row.message)) << row.code;
+  const char* const root = "Cannot become the parent of a root directory";
+  for (const auto& [code, message] :
+       {std::pair(-1, ""), {3, "End Of File"}, {13, "The directory is not empty"}, {19, root}, {20, ""}})
+    EXPECT_EQ(File::getError(code), Error(code, message)) << code;
 }
 
 TEST(File, nameResolves) {
@@ -104,8 +98,8 @@ TEST(File, nameResolves) {
 TEST(File, stateIsChecked) {
   const qvTest::Scratch scratch;
   scratch.write("there", "12345");
-  File none(static_cast<FileTransport*>(nullptr)), file = scratch.file("there"),
-                                                   other = scratch.file("other");
+  File none(static_cast<FileTransport*>(nullptr));
+  File file = scratch.file("there"), other = scratch.file("other");
   FileStatus status;
   qv::vector<IString> names;
   char byte = 0;
@@ -200,10 +194,8 @@ TEST(FileTransport, copyTellsTheLastCloseOnly) {
   }
   ScriptedTransport base;
   FileStatus status;
-  for (const Error& error : {base.openTemp(4), base.makeTempDirectory(), base.makeDirectoryAll()}) {
-    EXPECT_EQ(error.num(), -1);
-    EXPECT_STREQ(error.message(), "This function is not implemented.");
-  }
+  for (const Error& error : {base.openTemp(4), base.makeTempDirectory(), base.makeDirectoryAll()})
+    EXPECT_EQ(error, Error(-1, "This function is not implemented."));
   EXPECT_STREQ(base.queryOwnerGroup(status).message(), "This function still not supported.");
   EXPECT_STREQ(status.getOwner().asChar(), "Unknown");
 }
@@ -372,16 +364,12 @@ TEST(File, statusTellsWhatTheFileIs) {
     EXPECT_FALSE(File::query(scratch.name(name), status)) << "no such file is no error";
     EXPECT_FALSE(status.exists() || status.getSize());
   }
-  const Error error = File::query(scratch.name(std::string(300, 'n')), status);
-  EXPECT_EQ(error.num(), 4);
-  EXPECT_STREQ(error.message(), strerror(ENAMETOOLONG));
+  EXPECT_EQ(File::query(scratch.name(std::string(300, 'n')), status), Error(4, strerror(ENAMETOOLONG)));
   ASSERT_FALSE(File::query(IString("/dev/null"), status));
   EXPECT_FALSE(status.exists()) << "neither a file nor a directory";
   const IString missing = scratch.name("missing");
-  const Error unknown = File(missing).getTransport()->queryOwnerGroup(status);
-  EXPECT_EQ(unknown.num(), -1);
-  EXPECT_EQ(std::string(unknown.message()),
-            std::string("Failed to query Owner/Group of ") + missing.asUTF8());
+  EXPECT_EQ(File(missing).getTransport()->queryOwnerGroup(status),
+            Error(-1, "Failed to query Owner/Group of %s", missing.asUTF8()));
 }
 
 TEST(File, permissionsOfAnOrdinaryUser) {
@@ -390,12 +378,9 @@ TEST(File, permissionsOfAnOrdinaryUser) {
     fs::create_directories(fs::path(scratch.path(name)).parent_path());
     scratch.write(name, "1");
   }
-  const auto all = fs::perms::all;
-  fs::permissions(scratch.path(), all);
-  fs::permissions(scratch.path("readonly"), fs::perms(0444));
-  fs::permissions(scratch.path("unreadable"), fs::perms::none);
-  fs::permissions(scratch.path("dir"), all);
-  fs::permissions(scratch.path("dir/sub"), fs::perms(0555));
+  for (const auto& [name, rights] :
+       {std::pair("", 0777), {"readonly", 0444}, {"unreadable", 0}, {"dir", 0777}, {"dir/sub", 0555}})
+    fs::permissions(scratch.path(name), fs::perms(rights));
   EXPECT_EQ(qvTest::inChild([&] {
               ASSERT_TRUE(qvTest::giveUpRoot());
               FileStatus status;

