@@ -159,9 +159,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ioPacketFileErrorInit([](const char*) {});
   ioPacketFileAbortInit([] { throw Aborted(); });
   // A reader waits for the end of a header, and in a text file for the next packet, so both come at last. A
-  // packet of no known type ends the file; the first may still be taken for a part of an unfinished one.
+  // packet of no known type ends the file; the first may still be taken for a part of an unfinished one. Each
+  // of the header's eleven numbers may take an "@" for itself.
   std::string bytes(reinterpret_cast<const char*>(data), size);
-  bytes += "\n@\n@\n{ 2147483647 0 }\n{ 2147483647 0 }\n{ 2147483647 0 }\n";
+  for (int i = 0; i < 12; ++i) bytes += "\n@";
+  bytes += "\n{ 2147483647 0 }\n{ 2147483647 0 }\n{ 2147483647 0 }\n";
   try {
     readFiles(bytes);
   } catch (const Aborted&) {
