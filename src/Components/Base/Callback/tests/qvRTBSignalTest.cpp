@@ -75,8 +75,7 @@ TEST(Signal, SurvivesWhatASlotDoes) {
     int line;
     const char* what;
     std::function<void(Scene&)> action;
-    const char* first;
-    const char* second;
+    const char *first, *second;
     int left;
   } rows[] = {
       {__LINE__, "cut itself twice",
@@ -88,14 +87,12 @@ TEST(Signal, SurvivesWhatASlotDoes) {
        },
        "cCbBaA", "cCaA", 2},
       {__LINE__, "cut the next", [](Scene& s) { s.signal->disconnect(s.a); }, "cCbB", "cCbB", 2},
-      {__LINE__, "cut the one before", [](Scene& s) { s.signal->disconnect(s.c); }, "cCbBaA", "bBaA", 2},
       {__LINE__, "cut all",
        [](Scene& s) {
          for (const char letter : {'a', 'b', 'c'}) s.signal->disconnectInstance(Slot::instance(letter));
          EXPECT_EQ(Slot::alive, 1);
        },
        "cCbB", "", 0},
-      {__LINE__, "connect", [](Scene& s) { s.signal->addCallback(new Slot('d')); }, "cCbBaA", "dDcCbBaA", 4},
       {__LINE__, "emit again", [](Scene& s) { s.signal->emit(); }, "cCbcCbBaABaA", "cCbBaA", 3},
       {__LINE__, "cut itself and emit again",
        [](Scene& s) {
@@ -105,7 +102,6 @@ TEST(Signal, SurvivesWhatASlotDoes) {
        "cCbcCaABaA", "cCaA", 2},
       {__LINE__, "destroy the signal", [](Scene& s) { s.signal.reset(); }, "cCbB", "", 0},
       {__LINE__, "destroy the client", [](Scene& s) { s.client.reset(); }, "cCbB", "cC", 1},
-      {__LINE__, "block the next", [](Scene& s) { s.signal->block(s.a); }, "cCbB", "cCbB", 3},
       {__LINE__, "block all but the newest", [](Scene& s) { s.signal->blockAll(); }, "cCbB", "cC", 3},
   };
   for (const auto& row : rows) {

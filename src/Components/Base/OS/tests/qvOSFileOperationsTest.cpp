@@ -80,9 +80,7 @@ TEST(FileOperations, renameStaysInTheDirectory) {
   const auto rename = [&](const char* from, const char* to) {
     return fileRename(scratch.name(from), scratch.name(to));
   };
-  for (const char* target : {"b", "dir"}) {
-    EXPECT_EQ(rename("a", target), Error(6, "Unkown system error."));
-  }
+  for (const char* target : {"b", "dir"}) EXPECT_EQ(rename("a", target), Error(6, "Unkown system error."));
   EXPECT_EQ(rename("missing", "c").num(), 6);
   EXPECT_EQ(rename("missing", "dir/c").num(), 2) << "across directories it is a copy";
   EXPECT_FALSE(rename("a", "dir/b"));

@@ -193,15 +193,14 @@ TEST(Filename, ChangesAndTellsTheCurrentDirectory) {
 
 TEST(Filename, ServesCallersWithoutClasses) {
   char out[64];
-  const auto part = [&](void (*function)(const char*, char*)) {
+  for (const auto& [function, part] : {std::pair(&qvOS_FilenamePrefix, "C:"),
+                                       {&qvOS_FilenameDirname, "C:\\d"},
+                                       {&qvOS_FilenameBasename, "t.s"},
+                                       {&qvOS_FilenameBaseTrunk, "t"},
+                                       {&qvOS_FilenameBaseSuffix, "s"}}) {
     function("C:\\d\\t.s", out);
-    return std::string(out);
-  };
-  EXPECT_EQ(part(qvOS_FilenamePrefix), "C:");
-  EXPECT_EQ(part(qvOS_FilenameDirname), "C:\\d");
-  EXPECT_EQ(part(qvOS_FilenameBasename), "t.s");
-  EXPECT_EQ(part(qvOS_FilenameBaseTrunk), "t");
-  EXPECT_EQ(part(qvOS_FilenameBaseSuffix), "s");
+    EXPECT_STREQ(out, part);
+  }
   qvOS_FilenameJoin("a", "b", out);
   EXPECT_STREQ(out, "a\\b");
   qvOS_FilenamePrefix(nullptr, out);
