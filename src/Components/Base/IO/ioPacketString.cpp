@@ -20,7 +20,7 @@ char* copyText(const char* text) {
 
 void ioPacketString::read(ioClientReadContext& client) {
   ioReadContext& context = client.getContext();
-  if (context.getPacketReference() < 1) return; // nobody could ever take the copy
+  if (context.getPacketReference() < 1) return context.invalidPacket(); // nobody could ever take the copy
   const char* const text = context.fetchCString();
   context.definePacketReference(text ? copyText(text) : nullptr);
 }

@@ -205,7 +205,7 @@ std::vector<ioReferenceMapImpl::Pending> ioReferenceMapImpl::waitingFor(const Re
 
 void ioReferenceMapImpl::reportRemaining(ioClientReadContext& client) {
   for (int reference = nextReference(0); reference; reference = nextReference(reference)) {
-    const Record& record = *find(reference);
+    const Record record = *find(reference); // a copy: what a type does about it may move the records
     if (!record.is(Record::seen | Record::live)) continue;
     if (record.pending)
       for (const Pending& pending : waitingFor(record))
