@@ -13,6 +13,12 @@ namespace fs = std::filesystem;
 
 namespace qvTest {
 
+std::string fileBytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return "<missing>";
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 Directory::Directory() : Directory(fs::temp_directory_path().string()) {}
 
 Directory::Directory(const std::string& parent) {
@@ -43,12 +49,6 @@ std::string Directory::write(std::string_view name, std::string_view content) co
   file.write(content.data(), static_cast<std::streamsize>(content.size())).flush();
   if (!file) throw std::runtime_error("cannot write " + path(name));
   return path(name);
-}
-
-std::string Directory::read(std::string_view name) const {
-  std::ifstream file(path(name), std::ios::binary);
-  if (!file) return "<missing>";
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool Directory::exists(std::string_view name) const {

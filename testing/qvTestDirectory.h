@@ -11,6 +11,9 @@ namespace qvTest {
 /// system without such a place.
 [[nodiscard]] std::string inMemory();
 
+/// The bytes of a file, or the text "<missing>" where there is none.
+[[nodiscard]] std::string fileBytes(const std::string& path);
+
 /// An empty directory of its own, removed with all it holds when the object goes. Paths are native bytes.
 /// Everything goes past the library's platform layer, so scripted failures do not touch it.
 class Directory {
@@ -27,8 +30,7 @@ public:
   [[nodiscard]] std::string path(std::string_view name) const;
   /// Writes a file of that name, and gives its path.
   std::string write(std::string_view name, std::string_view content) const;
-  /// The bytes of the file, or the text "<missing>" where there is none.
-  [[nodiscard]] std::string read(std::string_view name) const;
+  [[nodiscard]] std::string read(std::string_view name) const { return fileBytes(path(name)); }
   [[nodiscard]] bool exists(std::string_view name) const;
   /// How many entries it has, at any depth.
   [[nodiscard]] int entries() const;

@@ -1,5 +1,5 @@
 // Packet files in memory: writes one with a function, reads it back with one function for each packet type,
-// and turns the fatal path into an exception.
+// moves fields of any type either way, and turns the fatal path into an exception.
 #pragma once
 
 #include "Base/IO/ioBufferedStream.h"
@@ -14,11 +14,14 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace qvTest {
 
+using PacketWriter = std::function<void(ioWriteContext&)>;
 using PacketReader = std::function<void(ioReadContext&)>;
 /// Names of packet types, and what reads a packet of each; nothing reads where there is no function.
 using PacketReaders = std::vector<std::pair<std::string, PacketReader>>;
@@ -58,23 +61,31 @@ private:
   PacketReaders readers_;
 };
 
+/// A stream that writes into memory.
+struct MemoryOutput {
+  MemoryOutput() { stream.openIOStream(&memory); }
+  std::string bytes() {
+    stream.close();
+    return {static_cast<const char*>(memory.data()), memory.size()};
+  }
+
+  qvOS::MemoryIOStream memory;
+  ioBufferedStreamOutput stream;
+};
+
 /// Writes packets of the named types with `write`. @return the bytes of the file.
 inline std::string writePackets(ioWriteMethod method, const std::vector<std::string>& names,
-                                const std::function<void(ioWriteContext&)>& write,
-                                ioStatus* status = nullptr) {
+                                const PacketWriter& write, ioStatus* status = nullptr) {
   PacketReaders types;
   for (const std::string& name : names) types.emplace_back(name, nullptr);
   PacketTypes registry(false, types);
-  qvOS::MemoryIOStream memory;
-  ioBufferedStreamOutput stream;
-  stream.openIOStream(&memory);
-  const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(stream, method, &registry));
+  MemoryOutput out;
+  const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(out.stream, method, &registry));
   context->startFile();
   write(*context);
   context->endFile();
-  stream.close();
   if (status) *status = context->getStatus();
-  return {static_cast<const char*>(memory.data()), memory.size()};
+  return out.bytes();
 }
 
 /// Reads packet files from bytes. Everything stays in place until it goes, for a look at what came out.
@@ -103,6 +114,60 @@ private:
 inline ioStatus readPackets(const std::string& bytes, const PacketReaders& readers) {
   return PacketReading(bytes, readers).read();
 }
+
+/// The operations that move a value of type `T` and an array of them.
+template <class T>
+struct FieldOperations {
+  void (ioWriteContext::*write)(T);
+  void (ioWriteContext::*writeArray)(const T*, int);
+  T (ioReadContext::*fetch)();
+  void (ioReadContext::*fetchArray)(T*, int);
+};
+template <class T, class W = ioWriteContext, class R = ioReadContext>
+constexpr FieldOperations<T> fieldOperations() {
+  return std::get<FieldOperations<T>>(std::tuple{
+      FieldOperations<bool>{&W::writeBool, &W::writeBoolArray, &R::fetchBool, &R::fetchBoolArray},
+      FieldOperations<char>{&W::writeChar, &W::writeCharArray, &R::fetchChar, &R::fetchCharArray},
+      FieldOperations<unsigned char>{&W::writeUChar, &W::writeUCharArray, &R::fetchUChar,
+                                     &R::fetchUCharArray},
+      FieldOperations<short>{&W::writeShort, &W::writeShortArray, &R::fetchShort, &R::fetchShortArray},
+      FieldOperations<unsigned short>{&W::writeUShort, &W::writeUShortArray, &R::fetchUShort,
+                                      &R::fetchUShortArray},
+      FieldOperations<int>{&W::writeInt, &W::writeIntArray, &R::fetchInt, &R::fetchIntArray},
+      FieldOperations<unsigned int>{&W::writeUInt, &W::writeUIntArray, &R::fetchUInt, &R::fetchUIntArray},
+      FieldOperations<std::int64_t>{&W::writeInt64, &W::writeInt64Array, &R::fetchInt64, &R::fetchInt64Array},
+      FieldOperations<std::uint64_t>{&W::writeUInt64, &W::writeUInt64Array, &R::fetchUInt64,
+                                     &R::fetchUInt64Array},
+      FieldOperations<float>{&W::writeFloat, &W::writeFloatArray, &R::fetchFloat, &R::fetchFloatArray},
+      FieldOperations<double>{&W::writeDouble, &W::writeDoubleArray, &R::fetchDouble, &R::fetchDoubleArray}});
+}
+
+/// Writes or reads a value, an array, a text or a pointer, so that one list of fields serves both ways.
+template <class T>
+void moveField(ioWriteContext& c, T& field) {
+  if constexpr (std::is_array_v<T>)
+    (c.*fieldOperations<std::remove_cv_t<std::remove_extent_t<T>>>().writeArray)(field,
+                                                                                 int(std::size(field)));
+  else if constexpr (std::is_same_v<T, std::string>)
+    c.writeCString(field.c_str());
+  else if constexpr (std::is_pointer_v<T>)
+    c.writeReference(field, false);
+  else
+    (c.*fieldOperations<std::remove_cv_t<T>>().write)(field);
+}
+template <class T>
+void moveField(ioReadContext& c, T& field) {
+  if constexpr (std::is_array_v<T>)
+    (c.*fieldOperations<std::remove_extent_t<T>>().fetchArray)(field, int(std::size(field)));
+  else if constexpr (std::is_same_v<T, std::string>)
+    field = c.fetchCString();
+  else if constexpr (std::is_pointer_v<T>)
+    c.readReferenceUsage(&field, 0);
+  else
+    field = (c.*fieldOperations<T>().fetch)();
+}
+inline void moveChunk(ioWriteContext& c) { c.startChunk(); }
+inline void moveChunk(ioReadContext& c) { c.nextChunk(); }
 
 /// While it lives, a fatal fault of a packet file throws this and its report is kept. One at a time.
 class PacketFileAbort {

@@ -1,9 +1,7 @@
 #include "Base/IO/ioPackageFile.h"
 
-#include "Base/IO/ioPacketRegistry.h"
-#include "Base/IO/ioPacketType.h"
-#include "Base/IO/ioWriteContext.h"
 #include "testing/qvTestDirectory.h"
+#include "testing/qvTestPacketFile.h"
 #include "testing/qvTestPlatform.h"
 #include "testing/qvTestSeed.h"
 
@@ -11,12 +9,8 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <map>
-#include <memory>
 #include <set>
-#include <string>
-#include <vector>
 
 using qvString::IString;
 
@@ -28,17 +22,6 @@ std::string randomBytes(qvTest::Random& random, std::size_t size, bool compressi
   std::string bytes(size, '\0');
   for (char& c : bytes) c = static_cast<char>(compressible ? 'a' + random.below(3) : random.bits());
   return bytes;
-}
-
-std::string fileBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-/// Writes a new file in the place of an old one: to empty a file makes some file systems wait for the disk.
-void writeFile(const std::string& path, const std::string& bytes) {
-  std::filesystem::remove(path);
-  std::ofstream(path, std::ios::binary) << bytes;
 }
 
 /// The content of an entry, through its filters.
@@ -53,28 +36,33 @@ std::string contentOf(const ioPackageFileEntry* entry) {
   std::string bytes;
   char block[5000];
   while (input.good()) bytes.append(block, static_cast<std::size_t>(input.readData(block, sizeof block)));
-  input.close();
   return bytes;
 }
+std::string contentOf(const ioPackageFile& package, const std::string& name) {
+  return contentOf(package.getEntry(wide(name)));
+}
+
+/// Makes every write fail as on a full disk.
+struct FullDisk : qvTest::PlatformScript {
+  FullDisk() { failCall(0, ENOSPC, "write", 1000); }
+};
 
 class PackageFile : public testing::Test {
 protected:
-  [[nodiscard]] std::string path(const std::string& name) const { return scratch_.path() + "/" + name; }
+  [[nodiscard]] IString name(const std::string& file) const { return wide(scratch_.path(file)); }
 
-  /// Stores `bytes` under `name`.
-  qvUtil::Error add(ioPackageFile& package, const std::string& name, const std::string& bytes,
+  /// Stores `bytes` under `entry`.
+  qvUtil::Error add(ioPackageFile& package, const std::string& entry, const std::string& bytes,
                     bool compress = false) {
-    writeFile(path("source"), bytes);
-    return package.addEntry(wide(path("source")), wide(name), compress);
+    scratch_.write("source", bytes);
+    return package.addEntry(name("source"), wide(entry), compress);
   }
-
   void open(ioPackageFile& package, const std::string& file = "p.package") {
-    const qvUtil::Error error = package.open(wide(path(file)));
+    const qvUtil::Error error = package.open(name(file));
     ASSERT_EQ(error.num(), 0) << error.message();
   }
 
-private:
-  qvTest::Directory scratch_;
+  qvTest::Directory scratch_{qvTest::inMemory()}; // emptying a file elsewhere may wait for the disk
 };
 
 /// The plain picture of a package: regions in order, found first fit.
@@ -90,14 +78,12 @@ public:
   void add(const std::string& name, std::int64_t size) {
     remove(name);
     for (std::size_t i = 0; i < regions.size(); ++i) {
-      if (!regions[i].name.empty() || regions[i].size < size) continue;
-      if (regions[i].size > size) {
-        const Region rest = {regions[i].offset + size, regions[i].size - size, ""};
-        regions.insert(regions.begin() + static_cast<std::ptrdiff_t>(i) + 1, rest);
-        dirty = true;
-      }
-      regions[i].size = size;
-      regions[i].name = name;
+      const Region hole = regions[i];
+      if (!hole.name.empty() || hole.size < size) continue;
+      regions[i] = {hole.offset, size, name};
+      if (hole.size == size) return;
+      regions.insert(regions.begin() + std::ptrdiff_t(i) + 1, {hole.offset + size, hole.size - size, ""});
+      dirty = true;
       return;
     }
     regions.push_back({end(), size, name});
@@ -147,9 +133,7 @@ void expectLayout(const ioPackageFile& package, const Model& model, std::size_t 
       free = true;
       continue;
     }
-    if (!free) {
-      ASSERT_EQ(entry->getOffset(), end);
-    }
+    ASSERT_TRUE(free || entry->getOffset() == end);
     free = false;
     if (entry->getName() == IString(".")) {
       ASSERT_EQ(entry->getOffset(), model.end());
@@ -170,16 +154,8 @@ struct Record {
   std::int64_t offset;
   std::int64_t size;
 };
-
-class EntryRegistry : public ioPacketRegistry {
-public:
-  EntryRegistry() : ioPacketRegistry(false) {}
-
-protected:
-  void registerAllTypes() override { supportedType(new ioPacketType("package.entry")); }
-};
-
 constexpr std::int64_t handDirectory = 185;
+const Record end = {".", handDirectory, -1};
 
 struct HandMade {
   std::vector<Record> records;
@@ -191,46 +167,42 @@ struct HandMade {
   ioWriteMethod method = ioWriteBinary;
 };
 
-void writeByHand(const std::string& path, const HandMade& made) {
-  std::string bytes = std::string(made.firstByte) +
-                      "KestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n" + made.endOfHeader;
-  char pointer[25];
-  std::snprintf(pointer, sizeof pointer, "%-23d\n", static_cast<int>(made.directory));
-  bytes += pointer;
+const std::string names = "KestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n";
+
+std::string bytesOf(const HandMade& made) {
+  std::string pointer = std::to_string(made.directory);
+  pointer.resize(23, ' ');
+  std::string bytes = made.firstByte + names + made.endOfHeader + pointer + "\n";
   bytes.resize(static_cast<std::size_t>(made.directory), 'x');
-  writeFile(path, bytes);
-  ioBufferedStreamOutput stream;
-  stream.truncateOnOpen(false);
-  stream.openFile(wide(path));
-  stream.seek(made.directory);
-  EntryRegistry registry;
-  const std::unique_ptr<ioWriteContext> out(ioWriteContextAlloc(stream, made.method, &registry));
-  out->startFile();
-  for (std::size_t i = 0; i < made.records.size(); ++i) {
-    const Record& record = made.records[i];
-    out->startPacket("package.entry", static_cast<int>(i) == made.referenceAt ? &record : nullptr);
-    out->writeCString(record.name);
-    out->writeInt64(record.offset);
-    out->writeInt64(record.size);
-    out->writeInt64(7);
-    out->writeBool(false);
-    out->endPacket();
-  }
-  if (made.strings) out->writeCStringPacket("astray");
-  out->endFile();
-  stream.close();
+  return bytes + qvTest::writePackets(made.method, {"package.entry"}, [&](ioWriteContext& out) {
+           for (const Record& record : made.records) {
+             const bool isNamed = &record - made.records.data() == made.referenceAt;
+             out.startPacket("package.entry", isNamed ? &record : nullptr);
+             out.writeCString(record.name);
+             for (const std::int64_t value : {record.offset, record.size, std::int64_t(7)})
+               out.writeInt64(value);
+             out.writeBool(false);
+             out.endPacket();
+           }
+           if (made.strings) out.writeCStringPacket("astray");
+         });
 }
 
 } // namespace
 
 TEST_F(PackageFile, BytesOfANewPackage) {
-  ioPackageFile package;
+  ioPackageFile package, again;
   open(package);
-  const std::string header = "\x8FKestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n@\n";
-  EXPECT_EQ(fileBytes(path("p.package")), header + "-1                     \n");
+  ASSERT_FALSE(package.update()); // nothing has changed, so nothing is written
+  const std::string header = "\x8F" + names + "@\n";
+  EXPECT_EQ(scratch_.read("p.package"), header + "-1                     \n");
+  const qvUtil::Error error = again.open(name("p.package"));
+  EXPECT_EQ(error.num(), 17);
+  EXPECT_EQ(std::string(error.message()).find("The file is not a package file: "), 0U);
+  EXPECT_FALSE(ioPackageFile::isFilePackageFile(name("p.package")));
   ASSERT_FALSE(add(package, "a", "hello"));
   ASSERT_FALSE(package.update());
-  const std::string bytes = fileBytes(path("p.package"));
+  const std::string bytes = scratch_.read("p.package");
   EXPECT_EQ(bytes.substr(0, 90), header + "90                     \nhello");
   const std::string types = "   0 packetFile_string\n   1 packetFile_EOF\n   2 package.entry\n@\n";
   EXPECT_EQ(bytes.substr(90 + 27, types.size()), types);
@@ -238,16 +210,16 @@ TEST_F(PackageFile, BytesOfANewPackage) {
 
 TEST_F(PackageFile, RandomOperationsAgreeWithAModel) {
   qvTest::Random random(20240131);
-  const std::vector<std::string> names = {"a",
-                                          "b/c",
-                                          "with blank",
-                                          "\xC3\xA9t\xC3\xA9",
-                                          "\xE6\xBC\xA2\xE5\xAD\x97",
-                                          "x.txt",
-                                          "\xF0\x9F\x98\x80",
-                                          "dir/dir/deep",
-                                          "y",
-                                          "z"};
+  const std::string entries[] = {"a",
+                                 "b/c",
+                                 "with blank",
+                                 "\xC3\xA9t\xC3\xA9",
+                                 "\xE6\xBC\xA2\xE5\xAD\x97",
+                                 "\xF0\x9F\x98\x80",
+                                 "dir/dir/deep",
+                                 "x.txt",
+                                 "y",
+                                 "z"};
   const std::size_t sizes[] = {0, 1, 10, 100, 4095, 4096, 4097, 20000};
   auto package = std::make_unique<ioPackageFile>();
   open(*package);
@@ -259,27 +231,26 @@ TEST_F(PackageFile, RandomOperationsAgreeWithAModel) {
   int reopened = 0;
   for (int step = 0; step < 3000 && !HasFatalFailure(); ++step) {
     SCOPED_TRACE("step " + std::to_string(step));
-    const std::string& name = names[random.below(names.size())];
+    const std::string& entry = entries[random.below(std::size(entries))];
     const std::uint64_t choice = random.below(20);
     const std::size_t size = sizes[random.below(std::size(sizes))];
     if (choice == 0 && size > 0) {
-      qvTest::PlatformScript script;
-      script.failCall(0, ENOSPC, "write", 1000);
-      ASSERT_EQ(add(*package, name, std::string(size, 'x')).num(), 10);
-      if (contents.erase(name)) stale.insert(name);
-      model.add(name, static_cast<std::int64_t>(size));
-      model.remove(name);
+      const FullDisk full;
+      ASSERT_EQ(add(*package, entry, std::string(size, 'x')).num(), 10);
+      if (contents.erase(entry)) stale.insert(entry);
+      model.add(entry, static_cast<std::int64_t>(size));
+      model.remove(entry);
     } else if (choice < 13) {
       const std::string bytes = randomBytes(random, size, random.oneIn(2));
-      const qvUtil::Error error = add(*package, name, bytes, random.oneIn(3));
+      const qvUtil::Error error = add(*package, entry, bytes, random.oneIn(3));
       ASSERT_EQ(error.num(), 0) << error.message();
-      model.add(name, package->getEntry(wide(name))->getSize());
-      contents[name] = bytes;
-      stale.erase(name);
+      model.add(entry, package->getEntry(wide(entry))->getSize());
+      contents[entry] = bytes;
+      stale.erase(entry);
     } else if (choice < 18) {
-      const bool isThere = model.remove(name) || stale.erase(name) > 0;
-      ASSERT_EQ(package->deleteEntry(wide(name)).num(), isThere ? 0 : 13);
-      contents.erase(name);
+      const bool isThere = model.remove(entry) || stale.erase(entry) > 0;
+      ASSERT_EQ(package->deleteEntry(wide(entry)).num(), isThere ? 0 : 13);
+      contents.erase(entry);
     } else if (choice == 18 && model.dirty) {
       // Without a mark, a name that only filled an exact hole would not be in the file.
       ASSERT_FALSE(package->update());
@@ -290,7 +261,7 @@ TEST_F(PackageFile, RandomOperationsAgreeWithAModel) {
       ++reopened;
     } else if (choice == 19 && !contents.empty()) {
       file = std::to_string(++copies) + ".package";
-      ASSERT_FALSE(package->write(wide(path(file))));
+      ASSERT_FALSE(package->write(name(file)));
       model = Model();
       stale.clear();
       for (const auto& [sorted, index] : package->getDirectory())
@@ -300,63 +271,57 @@ TEST_F(PackageFile, RandomOperationsAgreeWithAModel) {
     for (const std::string& lost : stale) ASSERT_EQ(package->getEntry(wide(lost)), nullptr) << lost;
     if (contents.empty() || !random.oneIn(4)) continue;
     const auto some = std::next(contents.begin(), static_cast<std::ptrdiff_t>(random.below(contents.size())));
-    ASSERT_TRUE(contentOf(package->getEntry(wide(some->first))) == some->second) << some->first;
+    ASSERT_TRUE(contentOf(*package, some->first) == some->second) << some->first;
   }
-  for (const auto& [name, bytes] : contents) EXPECT_TRUE(contentOf(package->getEntry(wide(name))) == bytes);
+  for (const auto& [entry, bytes] : contents) EXPECT_TRUE(contentOf(*package, entry) == bytes) << entry;
   EXPECT_GT(copies, 10);
   EXPECT_GT(reopened, 10);
 }
 
 TEST_F(PackageFile, SizesComeBackCompressedAndNot) {
   qvTest::Random random(4097);
-  ioPackageFile package;
+  ioPackageFile package, again;
   open(package);
   std::map<std::string, std::string> contents;
   for (const std::size_t size : {0, 1, 4095, 4096, 4097, 262144, 5000000})
     for (const bool compress : {false, true}) {
-      const std::string name = std::to_string(size) + (compress ? "c" : "");
-      contents[name] = randomBytes(random, size, true);
-      ASSERT_FALSE(add(package, name, contents[name], compress));
-      EXPECT_EQ(package.getEntry(wide(name))->getCompressed(), compress && size > 1) << name;
+      const std::string entry = std::to_string(size) + (compress ? "c" : "");
+      contents[entry] = randomBytes(random, size, true);
+      ASSERT_FALSE(add(package, entry, contents[entry], compress));
+      EXPECT_EQ(package.getEntry(wide(entry))->getCompressed(), compress && size > 1) << entry;
     }
   ASSERT_FALSE(package.update());
-  ioPackageFile again;
   open(again);
-  for (const auto& [name, bytes] : contents) {
-    EXPECT_TRUE(contentOf(again.getEntry(wide(name))) == bytes) << name;
-    ASSERT_FALSE(again.extractEntry(again.getEntry(wide(name)), wide(path("new/directory/") + name)));
-    EXPECT_TRUE(fileBytes(path("new/directory/") + name) == bytes) << name;
+  ASSERT_FALSE(again.expand(name("all")));
+  ASSERT_FALSE(again.extractEntry(again.getEntry(wide("4097c")), name("new/directory/4097c")));
+  EXPECT_TRUE(scratch_.read("new/directory/4097c") == contents["4097c"]);
+  for (const auto& [entry, bytes] : contents) {
+    EXPECT_TRUE(contentOf(again, entry) == bytes) << entry;
+    EXPECT_TRUE(scratch_.read("all/" + entry) == bytes) << entry;
   }
-  ASSERT_FALSE(again.expand(wide(path("all"))));
-  EXPECT_TRUE(fileBytes(path("all/262144c")) == contents["262144c"]);
 }
 
 TEST_F(PackageFile, NamesAreCleanedUp) {
-  const struct {
-    int line;
-    const char* in;
-    const char* out;
-  } rows[] = {
-      {__LINE__, "a\\b", "a/b"},      {__LINE__, "C:\\x", "x"},   {__LINE__, "C:", ""},
-      {__LINE__, "./a", "a"},         {__LINE__, "../a", "a"},    {__LINE__, "//a", "a"},
-      {__LINE__, "./", "./"},         {__LINE__, "../", "../"},   {__LINE__, "/../.././x", "x"},
-      {__LINE__, "a/../b", "a/../b"}, {__LINE__, "C:D:x", "D:x"}, {__LINE__, "..", ".."},
+  const std::pair<const char*, const char*> rows[] = {
+      {"a\\b", "a/b"},     {"C:\\x", "x"},       {"C:", ""},       {"./a", "a"},
+      {"../a", "a"},       {"//a", "a"},         {"./", "./"},     {"../", "../"},
+      {"/../.././x", "x"}, {"a/../b", "a/../b"}, {"C:D:x", "D:x"}, {"..", ".."},
   };
-  for (const auto& row : rows) {
-    IString name(row.in);
-    ioPackageFile::cleanupName(name);
-    EXPECT_STREQ(name.asUTF8(), row.out) << "line " << row.line;
+  for (const auto& [in, out] : rows) {
+    IString entry(in);
+    ioPackageFile::cleanupName(entry);
+    EXPECT_STREQ(entry.asUTF8(), out) << in;
   }
 }
 
 TEST_F(PackageFile, FailuresHaveTheirCodesAndTexts) {
   ioPackageFile package;
-  const IString source = wide(path("source"));
+  const IString source = name("source");
   const IString x("x");
   EXPECT_STREQ(package.update().message(), "The package file has not been opened yet.");
   EXPECT_EQ(package.addEntry(source, x, false).num(), 3);
   EXPECT_EQ(package.deleteEntry(x).num(), 3);
-  EXPECT_EQ(package.open(wide(path("no/such/directory"))).num(), 2);
+  EXPECT_EQ(package.open(name("no/such/directory")).num(), 2);
 
   open(package);
   ASSERT_FALSE(add(package, "a", "one"));
@@ -391,13 +356,13 @@ TEST_F(PackageFile, FailuresHaveTheirCodesAndTexts) {
     EXPECT_EQ(row.error.num(), row.code) << "line " << row.line;
     EXPECT_EQ(row.error.message(), row.text) << "line " << row.line;
   }
-  EXPECT_EQ(package.extractEntry(theirs, wide(path("source") + "/below")).num(), 5);
-  std::filesystem::create_symlink(path("p.package"), path("link"));
-  for (const char* own : {"./p.package", "link"}) EXPECT_EQ(package.write(wide(path(own))).num(), 4) << own;
+  EXPECT_EQ(package.extractEntry(theirs, name("source/below")).num(), 5);
+  std::filesystem::create_symlink(scratch_.path("p.package"), scratch_.path("link"));
+  for (const char* own : {"./p.package", "link"}) EXPECT_EQ(package.write(name(own)).num(), 4) << own;
   ASSERT_FALSE(package.addEntry(theirs, IString("b")));
   ASSERT_FALSE(package.update());
   ASSERT_FALSE(package.open(package.getPackageFileName()));
-  EXPECT_EQ(contentOf(package.getEntry(IString("b"))), "two");
+  EXPECT_EQ(contentOf(package, "b"), "two");
   EXPECT_EQ(package.getEntry(-1), nullptr);
   EXPECT_EQ(package.getEntry(100), nullptr);
 }
@@ -408,19 +373,17 @@ TEST_F(PackageFile, APackageThatCannotBeWrittenSaysSo) {
   ASSERT_FALSE(add(package, "a", "one"));
   ASSERT_FALSE(package.update());
   package.close();
-  const IString a("a");
-  const std::string file = path("p.package");
+  const IString a("a"), file = name("p.package"), source = name("source");
+  const std::string path = scratch_.path("");
   {
     qvTest::PlatformScript script;
     script.failCall(0, EACCES, "open", 1000);
     EXPECT_EQ(package.deleteEntry(a).num(), 0);
-    EXPECT_EQ(package.update().message(), "Could not open package for write: " + file);
-    EXPECT_EQ(package.addEntry(wide(path("source")), a, true).message(),
-              "Error reading file: " + path("source"));
-    EXPECT_EQ(package.addEntry(wide(path("source")), a, false).message(),
-              "Could not read file: " + path("source") + "\n");
-    EXPECT_EQ(package.open(wide(file)).message(), "Could not read the package file: " + file);
-    EXPECT_EQ(package.open(wide(path("new"))).message(), "Can not create file: " + path("new"));
+    EXPECT_EQ(package.update().message(), "Could not open package for write: " + path + "p.package");
+    EXPECT_EQ(package.addEntry(source, a, true).message(), "Error reading file: " + path + "source");
+    EXPECT_EQ(package.addEntry(source, a, false).message(), "Could not read file: " + path + "source\n");
+    EXPECT_EQ(package.open(file).message(), "Could not read the package file: " + path + "p.package");
+    EXPECT_EQ(package.open(name("new")).message(), "Can not create file: " + path + "new");
   }
   {
     qvTest::PlatformScript script;
@@ -428,76 +391,53 @@ TEST_F(PackageFile, APackageThatCannotBeWrittenSaysSo) {
     open(package);
   }
   const char* const text = "This package file can not be modified as it is not writable.";
-  EXPECT_STREQ(package.addEntry(wide(path("source")), a, false).message(), text);
+  EXPECT_STREQ(package.addEntry(source, a, false).message(), text);
   EXPECT_STREQ(package.deleteEntry(a).message(), text);
   EXPECT_EQ(package.deleteEntry(a).num(), 4);
   EXPECT_STREQ(package.update().message(), "The package file is not writable.");
-  EXPECT_EQ(contentOf(package.getEntry(a)), "one");
-}
-
-TEST_F(PackageFile, AnUnwrittenDirectoryIsNoPackage) {
-  ioPackageFile package;
-  open(package);
-  ASSERT_FALSE(package.update()); // nothing has changed, so nothing is written
-  ioPackageFile again;
-  const qvUtil::Error error = again.open(wide(path("p.package")));
-  EXPECT_EQ(error.num(), 17);
-  EXPECT_EQ(std::string(error.message()).find("The file is not a package file: "), 0U);
-  EXPECT_FALSE(ioPackageFile::isFilePackageFile(wide(path("p.package"))));
+  EXPECT_EQ(contentOf(package, "a"), "one");
 }
 
 TEST_F(PackageFile, AnExactHoleIsNotWritten) {
-  {
-    ioPackageFile package;
-    open(package);
-    ASSERT_FALSE(add(package, "hole", "12345"));
-    ASSERT_FALSE(add(package, "rest", "678"));
-    ASSERT_FALSE(package.deleteEntry(IString("hole")));
-    ASSERT_FALSE(package.update());
-  }
-  {
-    ioPackageFile package;
-    open(package);
-    ASSERT_FALSE(add(package, "new", "abcde"));
-    ASSERT_FALSE(package.update());
-    EXPECT_EQ(contentOf(package.getEntry(IString("new"))), "abcde");
-  }
-  ioPackageFile package;
+  ioPackageFile package, again, last;
   open(package);
-  EXPECT_EQ(package.getEntry(IString("new")), nullptr);
-  EXPECT_EQ(contentOf(package.getEntry(IString("rest"))), "678");
+  ASSERT_FALSE(add(package, "hole", "12345"));
+  ASSERT_FALSE(add(package, "rest", "678"));
+  ASSERT_FALSE(package.deleteEntry(IString("hole")));
+  ASSERT_FALSE(package.update());
+  open(again);
+  ASSERT_FALSE(add(again, "new", "abcde"));
+  ASSERT_FALSE(again.update());
+  EXPECT_EQ(contentOf(again, "new"), "abcde");
+  open(last);
+  EXPECT_EQ(last.getEntry(IString("new")), nullptr);
+  EXPECT_EQ(contentOf(last, "rest"), "678");
 }
 
 TEST_F(PackageFile, AFailedCopyFreesTheRegionAndLeavesAStaleIndex) {
-  ioPackageFile package;
+  ioPackageFile package, again;
   open(package);
   ASSERT_FALSE(add(package, "a", std::string(5000, 'a')));
   ASSERT_FALSE(add(package, "b", "bbb"));
   {
-    writeFile(path("source"), std::string(6000, 'c'));
-    qvTest::PlatformScript script;
-    script.failCall(0, ENOSPC, "write", 1000);
-    EXPECT_EQ(package.addEntry(wide(path("source")), IString("a"), false).num(), 10);
+    const FullDisk full;
+    EXPECT_EQ(add(package, "a", std::string(6000, 'c')).num(), 10);
   }
   EXPECT_EQ(package.size(), 2);
   EXPECT_EQ(package.getEntry(IString("a")), nullptr);
-  EXPECT_EQ(contentOf(package.getEntry(IString("b"))), "bbb");
+  EXPECT_EQ(contentOf(package, "b"), "bbb");
   {
-    qvTest::PlatformScript script;
-    script.failCall(0, ENOSPC, "write", 1000);
+    const FullDisk full;
     EXPECT_EQ(add(package, "large", std::string(600000, 'c')).num(), 16); // the disk is full before its end
   }
-  // The package stays usable.
-  ASSERT_FALSE(add(package, "c", "ccc"));
+  ASSERT_FALSE(add(package, "c", "ccc")); // the package stays usable
   ASSERT_FALSE(package.update());
-  ioPackageFile again;
   open(again);
-  EXPECT_EQ(contentOf(again.getEntry(IString("b"))), "bbb");
-  EXPECT_EQ(contentOf(again.getEntry(IString("c"))), "ccc");
+  EXPECT_EQ(contentOf(again, "b"), "bbb");
+  EXPECT_EQ(contentOf(again, "c"), "ccc");
 }
 
 TEST_F(PackageFile, HostileDirectoriesAreDamage) {
-  const Record end = {".", handDirectory, -1};
   const struct {
     int line;
     HandMade made;
@@ -523,29 +463,28 @@ TEST_F(PackageFile, HostileDirectoriesAreDamage) {
       {__LINE__, {{end}, -1, false, "\x8F", "@\n", handDirectory, ioWriteBinaryDebug}, 17},
   };
   for (const auto& row : rows) {
-    writeByHand(path("p.package"), row.made);
+    scratch_.write("p.package", bytesOf(row.made));
     ioPackageFile package;
-    const qvUtil::Error error = package.open(wide(path("p.package")));
+    const qvUtil::Error error = package.open(name("p.package"));
     EXPECT_EQ(error.num(), row.code) << "line " << row.line;
     EXPECT_EQ(package.getPackageFileName().isEmpty(), row.code != 0) << "line " << row.line;
-    const std::string text = row.code ? "Error reading directory: " + path("p.package") : "";
+    const std::string text = row.code ? "Error reading directory: " + scratch_.path("p.package") : "";
     EXPECT_EQ(error.message(), text) << "line " << row.line;
   }
 }
 
 TEST_F(PackageFile, OtherFrontsAndNamesThatLeadOut) {
-  const Record end = {".", handDirectory, -1};
-  writeByHand(path("p.package"), {{{"a", 100, 5}, end}, -1, false, ".", "more text @\n"});
+  scratch_.write("p.package", bytesOf({{{"a", 100, 5}, end}, -1, false, ".", "more text @\n"}));
   ioPackageFile package;
-  ASSERT_FALSE(package.open(wide(path("p.package"))));
-  EXPECT_EQ(contentOf(package.getEntry(IString("a"))), "xxxxx");
-  EXPECT_TRUE(ioPackageFile::isFilePackageFile(wide(path("p.package"))));
-  for (const char* name : {"../a", "x/../../a", "/a", "\\a", "C:a", "x\\..\\..\\a"}) {
-    writeByHand(path("p.package"), {{{name, 85, 5}, end}});
-    ASSERT_FALSE(package.open(wide(path("p.package"))));
-    EXPECT_EQ(package.expand(wide(path("out"))).num(), 12) << name;
+  ASSERT_FALSE(package.open(name("p.package")));
+  EXPECT_EQ(contentOf(package, "a"), "xxxxx");
+  EXPECT_TRUE(ioPackageFile::isFilePackageFile(name("p.package")));
+  for (const char* entry : {"../a", "x/../../a", "/a", "\\a", "C:a", "x\\..\\..\\a"}) {
+    scratch_.write("p.package", bytesOf({{{entry, 85, 5}, end}}));
+    ASSERT_FALSE(package.open(name("p.package")));
+    EXPECT_EQ(package.expand(name("out")).num(), 12) << entry;
   }
-  EXPECT_FALSE(std::filesystem::exists(path("a")));
+  EXPECT_FALSE(scratch_.exists("a"));
 }
 
 TEST_F(PackageFile, EveryPrefixAndEveryFlippedByteEndsInAStatus) {
@@ -556,14 +495,14 @@ TEST_F(PackageFile, EveryPrefixAndEveryFlippedByteEndsInAStatus) {
     ASSERT_FALSE(add(package, "b", std::string(500, 'b'), true));
     ASSERT_FALSE(package.update());
   }
-  const std::string good = fileBytes(path("p.package"));
+  const std::string good = scratch_.read("p.package");
   int opened = 0;
   const auto tryOpen = [&](const std::string& bytes) {
-    writeFile(path("q.package"), bytes);
+    scratch_.write("q.package", bytes);
     ioPackageFile package;
-    if (package.open(wide(path("q.package")))) return;
+    if (package.open(name("q.package"))) return;
     ++opened;
-    for (const auto& [name, index] : package.getDirectory()) (void)contentOf(package.getEntry(index));
+    for (const auto& [entry, index] : package.getDirectory()) (void)contentOf(package.getEntry(index));
   };
   for (std::size_t size = 0; size < good.size(); ++size) tryOpen(good.substr(0, size));
   EXPECT_EQ(opened, 0);
