@@ -160,7 +160,8 @@ TEST(GetOpt, GoesOnAsItIsTold) {
   const GetOpt::result* text = narrow.getOpt();
   EXPECT_EQ(narrow.getResultArg(text, 0), IString(QV_W("h\u00e9")));
   EXPECT_EQ(qvOS::toNativePath(narrow.getResultArg(text, 1)), "a\xff");
-  EXPECT_EQ(narrow.getResultArg(text, 2), IString());
+  for (const int index : {2, -1}) EXPECT_EQ(narrow.getResultArg(text, index), IString());
+  EXPECT_EQ(narrow.getNumArguments(nullptr), 0);
   const qv::WChar* const wide[] = {QV_W("-o"), QV_W("-open")};
   narrow.initialize(2, wide);
   EXPECT_EQ(readAll(narrow), "!Option does not exist or is ambiguous: -o +-open");
@@ -176,7 +177,8 @@ TEST(GetOpt, ExplainsItsTable) {
   EXPECT_EQ(options.addOption("zoom|quick", "bool nothing"), 2); // the second name is taken and left out
   EXPECT_EQ(options.addOption("quicker", nullptr), 3);
   EXPECT_EQ(options.addOption(nullptr, nullptr), 4);
-  EXPECT_EQ(options.getOption(5), nullptr);
+  EXPECT_TRUE(!options.getOption(5) && !options.getOption(-1));
+  EXPECT_EQ(options.getOptionIndex(nullptr), -1);
   EXPECT_EQ(options.findOption("quick"), 2);
   EXPECT_EQ(options.findOption(""), 4);
   const GetOpt::option* zoom = options.getOption(0);
@@ -194,6 +196,8 @@ TEST(GetOpt, ExplainsItsTable) {
   EXPECT_STREQ(options.getOptionUsage(options.getOption(1), false).asUTF8(), "  quiet\n    Short\n");
 
   options.markOptionDeprecated(3);
+  options.markOptionDeprecated(77); // As the usage of 9, for nobody.
+  options.addOptionUsage(9, QV_W("ignored"));
   for (int i = -1; i < 5; ++i) EXPECT_EQ(options.isOptionDeprecated(i), i == 3);
   qv::vector<int> sorted;
   options.getSortedOptions(sorted);

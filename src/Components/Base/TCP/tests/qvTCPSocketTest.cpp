@@ -168,7 +168,9 @@ TEST(TCPClient, TellsHowReadingAndWritingEnd) {
     };
     const std::string thrown = throwMode ? "thrown " : "";
     link.peer->reset();
+    count = 99;
     EXPECT_TRUE(startsWith(outcome([&] { return link.client.read(buffer, 8, &count); }), thrown + "1 "));
+    EXPECT_EQ(count, 0u);
     count = 99; // A signal of the broken pipe would end this process.
     const auto write = [&] { return link.client.write("abc", 3, &count); };
     EXPECT_TRUE(startsWith(outcome(write), thrown + "1 send() failed: "));
@@ -178,8 +180,8 @@ TEST(TCPClient, TellsHowReadingAndWritingEnd) {
 
 TEST(TCPClient, MovesWhatIsInterruptedAndInPieces) {
   Connection link;
-  qvTest::PlatformScript script;
   for (const char* call : {"send", "recv", "poll"}) {
+    qvTest::PlatformScript script;
     script.failCall(0, EINTR, call, 3);
     auto echo = std::async(std::launch::async, [&] { link.peer->send(link.peer->receive(300'000)); });
     const std::string text(300'000, 'y');
