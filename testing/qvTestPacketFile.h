@@ -117,54 +117,51 @@ inline ioStatus readPackets(const std::string& bytes, const PacketReaders& reade
 
 /// The operations that move a value of type `T` and an array of them.
 template <class T>
-struct FieldOperations {
+struct Moves {
   void (ioWriteContext::*write)(T);
   void (ioWriteContext::*writeArray)(const T*, int);
   T (ioReadContext::*fetch)();
   void (ioReadContext::*fetchArray)(T*, int);
 };
 template <class T, class W = ioWriteContext, class R = ioReadContext>
-constexpr FieldOperations<T> fieldOperations() {
-  return std::get<FieldOperations<T>>(std::tuple{
-      FieldOperations<bool>{&W::writeBool, &W::writeBoolArray, &R::fetchBool, &R::fetchBoolArray},
-      FieldOperations<char>{&W::writeChar, &W::writeCharArray, &R::fetchChar, &R::fetchCharArray},
-      FieldOperations<unsigned char>{&W::writeUChar, &W::writeUCharArray, &R::fetchUChar,
-                                     &R::fetchUCharArray},
-      FieldOperations<short>{&W::writeShort, &W::writeShortArray, &R::fetchShort, &R::fetchShortArray},
-      FieldOperations<unsigned short>{&W::writeUShort, &W::writeUShortArray, &R::fetchUShort,
-                                      &R::fetchUShortArray},
-      FieldOperations<int>{&W::writeInt, &W::writeIntArray, &R::fetchInt, &R::fetchIntArray},
-      FieldOperations<unsigned int>{&W::writeUInt, &W::writeUIntArray, &R::fetchUInt, &R::fetchUIntArray},
-      FieldOperations<std::int64_t>{&W::writeInt64, &W::writeInt64Array, &R::fetchInt64, &R::fetchInt64Array},
-      FieldOperations<std::uint64_t>{&W::writeUInt64, &W::writeUInt64Array, &R::fetchUInt64,
-                                     &R::fetchUInt64Array},
-      FieldOperations<float>{&W::writeFloat, &W::writeFloatArray, &R::fetchFloat, &R::fetchFloatArray},
-      FieldOperations<double>{&W::writeDouble, &W::writeDoubleArray, &R::fetchDouble, &R::fetchDoubleArray}});
+constexpr Moves<T> moves() {
+  return std::get<Moves<T>>(std::tuple{
+      Moves<bool>{&W::writeBool, &W::writeBoolArray, &R::fetchBool, &R::fetchBoolArray},
+      Moves<char>{&W::writeChar, &W::writeCharArray, &R::fetchChar, &R::fetchCharArray},
+      Moves<unsigned char>{&W::writeUChar, &W::writeUCharArray, &R::fetchUChar, &R::fetchUCharArray},
+      Moves<short>{&W::writeShort, &W::writeShortArray, &R::fetchShort, &R::fetchShortArray},
+      Moves<unsigned short>{&W::writeUShort, &W::writeUShortArray, &R::fetchUShort, &R::fetchUShortArray},
+      Moves<int>{&W::writeInt, &W::writeIntArray, &R::fetchInt, &R::fetchIntArray},
+      Moves<unsigned int>{&W::writeUInt, &W::writeUIntArray, &R::fetchUInt, &R::fetchUIntArray},
+      Moves<std::int64_t>{&W::writeInt64, &W::writeInt64Array, &R::fetchInt64, &R::fetchInt64Array},
+      Moves<std::uint64_t>{&W::writeUInt64, &W::writeUInt64Array, &R::fetchUInt64, &R::fetchUInt64Array},
+      Moves<float>{&W::writeFloat, &W::writeFloatArray, &R::fetchFloat, &R::fetchFloatArray},
+      Moves<double>{&W::writeDouble, &W::writeDoubleArray, &R::fetchDouble, &R::fetchDoubleArray}});
 }
 
 /// Writes or reads a value, an array, a text or a pointer, so that one list of fields serves both ways.
 template <class T>
 void moveField(ioWriteContext& c, T& field) {
+  using Value = std::remove_cv_t<std::remove_extent_t<T>>;
   if constexpr (std::is_array_v<T>)
-    (c.*fieldOperations<std::remove_cv_t<std::remove_extent_t<T>>>().writeArray)(field,
-                                                                                 int(std::size(field)));
+    (c.*moves<Value>().writeArray)(field, int(std::size(field)));
   else if constexpr (std::is_same_v<T, std::string>)
     c.writeCString(field.c_str());
   else if constexpr (std::is_pointer_v<T>)
     c.writeReference(field, false);
   else
-    (c.*fieldOperations<std::remove_cv_t<T>>().write)(field);
+    (c.*moves<Value>().write)(field);
 }
 template <class T>
 void moveField(ioReadContext& c, T& field) {
   if constexpr (std::is_array_v<T>)
-    (c.*fieldOperations<std::remove_extent_t<T>>().fetchArray)(field, int(std::size(field)));
+    (c.*moves<std::remove_extent_t<T>>().fetchArray)(field, int(std::size(field)));
   else if constexpr (std::is_same_v<T, std::string>)
     field = c.fetchCString();
   else if constexpr (std::is_pointer_v<T>)
     c.readReferenceUsage(&field, 0);
   else
-    field = (c.*fieldOperations<T>().fetch)();
+    field = (c.*moves<T>().fetch)();
 }
 inline void moveChunk(ioWriteContext& c) { c.startChunk(); }
 inline void moveChunk(ioReadContext& c) { c.nextChunk(); }

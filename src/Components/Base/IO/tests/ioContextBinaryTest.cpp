@@ -35,10 +35,8 @@ public:
   }
   /// The header and the type table with one type "t", which gets the number 2.
   Bytes& front(char method = '1') {
-    text("^@\n1\n")
-        .text(littleEndian != swapped_ ? "1 " : "0 ")
-        .text({&method, 1})
-        .text(" 1\n1 2 4 8 4 8 8\n@\n");
+    text("^@\n1\n").text(littleEndian != swapped_ ? "1 " : "0 ").text({&method, 1});
+    text(" 1\n1 2 4 8 4 8 8\n@\n");
     return text("   0 packetFile_string\n   1 packetFile_EOF\n   2 t\n@\n");
   }
   Bytes& packet(int type, int mode, const Bytes& body) {
@@ -121,19 +119,12 @@ TEST(ioContextBinary, everyValueHasItsBytesInEitherOrderAndForm) {
 
 /// Chunks with values, an empty chunk, and a sub-packet in a chunk with a chunk of its own.
 void writeStructure(ioWriteContext& c) {
-  static const int object = 0;
-  c.startPacket("t", &object);
+  c.startPacket("t", "object");
   c.writeInt(1);
+  c.startChunk(), c.writeShort(2);
   c.startChunk();
-  c.writeShort(2);
-  c.startChunk();
-  c.startChunk();
-  c.startSubPacket();
-  c.writeInt(3);
-  c.startChunk();
-  c.writeChar('4');
-  c.endSubPacket();
-  c.writeChar('5');
+  c.startChunk(), c.startSubPacket(), c.writeInt(3);
+  c.startChunk(), c.writeChar('4'), c.endSubPacket(), c.writeChar('5');
   c.endPacket();
 }
 
@@ -208,13 +199,8 @@ TEST(ioContextBinary, aClientMayReadAsLittleAsItLikes) {
   };
   for (const auto& client : clients) {
     int packets = 0;
-    EXPECT_EQ(readPackets(two, {{"t",
-                                 [&](ioReadContext& c) {
-                                   c.definePacketReference(&object);
-                                   client(c);
-                                   ++packets;
-                                 }}}),
-              ioOK);
+    const auto read = [&](ioReadContext& c) { c.definePacketReference(&object), client(c), ++packets; };
+    EXPECT_EQ(readPackets(two, {{"t", read}}), ioOK);
     EXPECT_EQ(packets, 2);
   }
 }
@@ -246,12 +232,8 @@ TEST(ioContextBinary, badHeadsAndShortFilesAreBadData) {
   int packets = 0;
   const qvTest::PacketReaders readers = {{"t", [&](ioReadContext& c) { packets += c.fetchInt(); }}};
   // A mode of a later version is passed over, and so is a text that names itself with a negative number.
-  const std::string whole = Bytes(false)
-                                .front()
-                                .packet(2, 2, five)
-                                .packet(0, 1, Bytes(false).value(-1).text("a"))
-                                .packet(2, 0, five)
-                                .end();
+  Bytes file = Bytes(false).front().packet(2, 2, five).packet(0, 1, Bytes(false).value(-1).text("a"));
+  const std::string whole = file.packet(2, 0, five).end();
   for (std::size_t size = std::string(Bytes(false).front()).size(); size < whole.size(); ++size)
     EXPECT_EQ(readPackets(whole.substr(0, size), {}), ioBadData) << size;
   EXPECT_EQ(readPackets(whole, readers), ioOK);

@@ -56,33 +56,21 @@ TEST_P(ioContextTest, packetsNestAndAnAbandonedOneLeavesNoTrace) {
 }
 
 TEST_P(ioContextTest, manyChunksAndDeepSubPacketsKeepTheirPlaces) {
-  constexpr int depth = 200;
-  const std::string file = write([](ioWriteContext& c) {
+  const auto move = [](auto& c, int expected) {
+    int value = expected;
+    qvTest::moveField(c, value);
+    EXPECT_EQ(value, expected);
+  };
+  const auto walk = [&](auto& c) {
+    for (int i = 0; i < 200; ++i) qvTest::moveChunk(c), move(c, i), c.startSubPacket();
+    for (int i = 0; i < 200; ++i) c.endSubPacket(), move(c, -i);
+  };
+  const std::string file = write([&](ioWriteContext& c) {
     c.startPacket("t", nullptr);
-    for (int i = 0; i < depth; ++i) {
-      c.startChunk();
-      c.writeInt(i);
-      c.startSubPacket();
-    }
-    for (int i = 0; i < depth; ++i) {
-      c.endSubPacket();
-      c.writeInt(-i);
-    }
+    walk(c);
     c.endPacket();
   });
-  const auto client = [](ioReadContext& c) {
-    for (int i = 0; i < depth; ++i) {
-      c.nextChunk();
-      EXPECT_TRUE(c.moreInChunk());
-      EXPECT_EQ(c.fetchInt(), i);
-      c.startSubPacket();
-    }
-    for (int i = 0; i < depth; ++i) {
-      c.endSubPacket();
-      EXPECT_EQ(c.fetchInt(), -i);
-    }
-  };
-  EXPECT_EQ(readPackets(file, {{"t", client}}), ioOK);
+  EXPECT_EQ(readPackets(file, {{"t", [&](ioReadContext& c) { walk(c); }}}), ioOK);
 }
 
 TEST_P(ioContextTest, anOlderReaderReadsANewerFile) {
@@ -99,14 +87,6 @@ TEST_P(ioContextTest, anOlderReaderReadsANewerFile) {
 }
 
 TEST_P(ioContextTest, misuseFailsAndWritesNothing) {
-  const auto unknown = [](ioWriteContext& c) {
-    c.startPacket("unknown", nullptr);
-    c.startChunk();
-    c.startSubPacket();
-    c.writeInt(1);
-    c.endSubPacket();
-    c.endPacket();
-  };
   const struct {
     int line;
     qvTest::PacketWriter misuse;
@@ -118,7 +98,12 @@ TEST_P(ioContextTest, misuseFailsAndWritesNothing) {
       {__LINE__, [](ioWriteContext& c) { c.startSubPacket(); }},
       {__LINE__, [](ioWriteContext& c) { c.endSubPacket(); }},
       {__LINE__, [](ioWriteContext& c) { c.endPacket(); }},
-      {__LINE__, unknown},
+      {__LINE__,
+       [](ioWriteContext& c) {
+         c.startPacket("unknown", nullptr);
+         c.startChunk(), c.startSubPacket(), c.writeInt(1), c.endSubPacket();
+         c.endPacket();
+       }},
       {__LINE__, [](ioWriteContext& c) { c.startPacket("t", nullptr); }, 0}, // is still open
   };
   const std::string empty = write([](ioWriteContext&) {});
