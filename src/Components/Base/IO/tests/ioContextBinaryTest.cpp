@@ -184,7 +184,7 @@ TEST(ioContextBinary, aClientMayReadAsLittleAsItLikes) {
         EXPECT_EQ(c.fetchChar(), '5');
       },
       [](ioReadContext& c) { // far too much
-        for (int i = 0; i < 100; ++i) c.fetchInt64();
+        for (int i = 0; i < 100; ++i) (void)c.fetchInt64();
         EXPECT_EQ(c.fetchInt(), 0);
         EXPECT_STREQ(c.fetchCString(), "");
         double zeros[3] = {1, 1, 1};
@@ -213,7 +213,7 @@ TEST(ioContextBinary, sizesThatLieStayInsideThePacket) {
     const auto client = [&](ioReadContext& c) {
       for (c.nextChunk(); c.moreInChunk() && chunks < 10; c.nextChunk()) {
         ++chunks;
-        c.fetchChar();
+        (void)c.fetchChar();
         c.startSubPacket();
         c.endSubPacket();
       }
