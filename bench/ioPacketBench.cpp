@@ -1,19 +1,23 @@
 // Objects that point to each other, written to memory as packets and read back, beside archives that track
-// pointers too. Each object points to any other, so most pointers are read before their object, or long after
-// it.
+// pointers too. They point to the object before them, or to any other, most of which are read long before or
+// after.
 #include "Base/IO/ioBufferedStream.h"
 #include "Base/IO/ioClientReadContext.h"
 #include "Base/IO/ioPacketRegistry.h"
 #include "Base/IO/ioPacketType.h"
 #include "Base/IO/ioReadContext.h"
 #include "Base/IO/ioWriteContext.h"
-#include "Base/OS/qvOSMemoryIOStream.h"
+#include "Base/OS/qvOSIOStream.h"
 #include "bench/qvBench.h"
 
+#include <cstdlib>
+#include <cstring>
+#include <istream>
 #include <memory>
-#include <sstream>
+#include <streambuf>
 #include <string>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -64,6 +68,15 @@ Graph makeGraph(std::vector<int> next) {
   return graph;
 }
 
+const Graph& near() {
+  static const Graph graph = [] {
+    std::vector<int> next;
+    for (int i = 0; i < objectCount; ++i) next.push_back(i - 1);
+    return makeGraph(std::move(next));
+  }();
+  return graph;
+}
+
 const Graph& anywhere() {
   static const Graph graph = [] {
     std::vector<int> next;
@@ -74,6 +87,7 @@ const Graph& anywhere() {
   return graph;
 }
 
+// Each points to the next, which nobody has seen before.
 const Graph& chain() {
   static const Graph graph = [] {
     std::vector<int> next;
@@ -82,6 +96,49 @@ const Graph& chain() {
   }();
   return graph;
 }
+
+// What the process has got from the system it keeps, so that nobody is measured for the zeroing of pages.
+const bool keepsMemory = mallopt(M_MMAP_MAX, 0) && mallopt(M_TRIM_THRESHOLD, -1);
+
+// Where all write to and read from: memory that is there beforehand.
+class Memory : public qvOS::IOStream, public std::streambuf {
+public:
+  explicit Memory(std::size_t capacity) : bytes_(capacity, '\0') {}
+
+  void clear() { size_ = 0; }
+  void rewind() { setg(bytes_.data(), bytes_.data(), bytes_.data() + size_); }
+
+  qvUtil::Error read(void* bytes, std::uint64_t size, std::uint64_t* count) override {
+    *count = static_cast<std::uint64_t>(sgetn(static_cast<char*>(bytes), static_cast<std::streamsize>(size)));
+    return *count < size ? qvUtil::Error(3, "End Of File") : qvUtil::Error();
+  }
+  qvUtil::Error write(const void* bytes, std::uint64_t size, std::uint64_t*) override {
+    append(bytes, size);
+    return {};
+  }
+
+protected:
+  std::streamsize xsputn(const char* bytes, std::streamsize size) override {
+    append(bytes, static_cast<std::size_t>(size));
+    return size;
+  }
+  int_type overflow(int_type c) override {
+    bytes_.at(size_++) = static_cast<char>(c);
+    return c;
+  }
+
+private:
+  void append(const void* bytes, std::size_t size) {
+    if (size > bytes_.size() - size_) std::abort();
+    std::memcpy(bytes_.data() + size_, bytes, size);
+    size_ += size;
+  }
+
+  std::string bytes_;
+  std::size_t size_ = 0;
+};
+
+constexpr std::size_t mostBytesPerObject = 80;
 
 // What all must have read.
 template <class Pointers>
@@ -95,8 +152,7 @@ std::uint64_t hashOf(const Pointers& objects) {
   return hash;
 }
 
-// Each of the following writes a graph to memory that grows, and reads it into objects of their own on the
-// heap.
+// Each of the following writes a graph, and reads it into objects of their own on the heap.
 
 class Types : public ioPacketRegistry {
 public:
@@ -111,13 +167,13 @@ private:
 
 class Base {
 public:
-  explicit Base(const Graph& graph) : graph_(graph) {}
+  explicit Base(const Graph& graph) : graph_(graph), memory_(graph.objects.size() * mostBytesPerObject) {}
 
   void write() {
     Types types(false);
-    memory_ = std::make_unique<qvOS::MemoryIOStream>();
+    memory_.clear();
     ioBufferedStreamOutput stream;
-    stream.openIOStream(memory_.get());
+    stream.openIOStream(&memory_);
     const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(stream, ioWriteBinary, &types));
     context->startFile();
     const ioPacketType* const type = types.lookup("object");
@@ -136,9 +192,9 @@ public:
 
   void read() {
     Types types(true);
-    qvOS::MemoryIOStream memory(static_cast<const void*>(memory_->data()), memory_->size());
+    memory_.rewind();
     ioBufferedStreamInput stream;
-    stream.openIOStream(&memory);
+    stream.openIOStream(&memory_);
     const std::unique_ptr<ioReadContext> context(ioReadContextAlloc(stream, &types));
     objects_.reserve(graph_.objects.size());
     Client client(context.get(), objects_);
@@ -157,7 +213,7 @@ private:
   };
 
   const Graph& graph_;
-  std::unique_ptr<qvOS::MemoryIOStream> memory_;
+  Memory memory_;
   Objects objects_;
 };
 
@@ -176,11 +232,12 @@ void Types::readObject(ioClientReadContext& client) {
 #ifdef BENCH_BoostSerialization
 class BoostSerialization {
 public:
-  explicit BoostSerialization(const Graph& graph) : graph_(graph) {}
+  explicit BoostSerialization(const Graph& graph)
+      : graph_(graph), memory_(graph.objects.size() * mostBytesPerObject) {}
 
   void write() {
-    memory_ = std::make_unique<std::stringbuf>();
-    boost::archive::binary_oarchive archive(*memory_);
+    memory_.clear();
+    boost::archive::binary_oarchive archive(memory_);
     for (const auto& object : graph_.objects) {
       const Object* const pointer = object.get();
       archive << pointer;
@@ -188,8 +245,8 @@ public:
   }
 
   void read() {
-    memory_->pubseekpos(0);
-    boost::archive::binary_iarchive archive(*memory_);
+    memory_.rewind();
+    boost::archive::binary_iarchive archive(memory_);
     objects_.reserve(graph_.objects.size());
     for (std::size_t i = 0; i < graph_.objects.size(); ++i) {
       Object* pointer = nullptr;
@@ -203,7 +260,7 @@ public:
 
 private:
   const Graph& graph_;
-  std::unique_ptr<std::stringbuf> memory_;
+  Memory memory_;
   std::vector<std::unique_ptr<Object>> objects_;
 };
 #endif
@@ -212,7 +269,7 @@ private:
 // It tracks shared pointers only.
 class Cereal {
 public:
-  explicit Cereal(const Graph& graph) {
+  explicit Cereal(const Graph& graph) : memory_(graph.objects.size() * mostBytesPerObject) {
     for (const auto& object : graph.objects)
       written_.push_back(
           std::make_shared<Shared>(Shared{object->id, object->x, object->y, object->z, nullptr}));
@@ -227,15 +284,16 @@ public:
   Cereal& operator=(const Cereal&) = delete;
 
   void write() {
-    memory_ = std::make_unique<std::stringstream>();
-    cereal::BinaryOutputArchive archive(*memory_);
+    memory_.clear();
+    std::ostream stream(&memory_);
+    cereal::BinaryOutputArchive archive(stream);
     for (const auto& object : written_) archive(object);
   }
 
   void read() {
-    memory_->clear();
-    memory_->seekg(0);
-    cereal::BinaryInputArchive archive(*memory_);
+    memory_.rewind();
+    std::istream stream(&memory_);
+    cereal::BinaryInputArchive archive(stream);
     objects_.resize(written_.size());
     for (auto& object : objects_) archive(object);
   }
@@ -258,24 +316,24 @@ private:
     }
   };
 
+  Memory memory_;
   std::vector<std::shared_ptr<Shared>> written_;
-  std::unique_ptr<std::stringstream> memory_;
   std::vector<std::shared_ptr<Shared>> objects_;
 };
 #endif
 
 // What was written is judged by what it reads as.
 template <class Who>
-void write(benchmark::State& state) {
-  Who who(anywhere());
+void write(benchmark::State& state, const Graph& (*graph)()) {
+  Who who(graph());
   for (auto _ : state) who.write();
   who.read();
   qvBench::setResult(state, who.hash());
 }
 
 template <class Who>
-void read(benchmark::State& state) {
-  Who who(anywhere());
+void read(benchmark::State& state, const Graph& (*graph)()) {
+  Who who(graph());
   who.write();
   std::uint64_t hash = 0;
   for (auto _ : state) {
@@ -318,22 +376,30 @@ void peerChain(benchmark::State& state) {
   qvBench::setResult(state, status ? 0 : hashOf(chain().objects));
 }
 
-void once(benchmark::internal::Benchmark* benchmark) {
-  benchmark->Iterations(1)->Unit(benchmark::kMillisecond);
+template <class Who>
+void add(const std::string& who, void (*measureChain)(benchmark::State&)) {
+  const auto once = [&who](const char* what, auto... measured) {
+    benchmark::RegisterBenchmark((what + who).c_str(), measured...)
+        ->Iterations(1)
+        ->Unit(benchmark::kMillisecond);
+  };
+  once("packets write, near/", write<Who>, near);
+  once("packets read, near/", read<Who>, near);
+  once("packets write, anywhere/", write<Who>, anywhere);
+  once("packets read, anywhere/", read<Who>, anywhere);
+  once("chain of references/", measureChain);
 }
 
-#define BENCH_ARCHIVE(Who, measureChain)                                                                     \
-  BENCHMARK(write<Who>)->Name("packets write/" #Who)->Apply(once);                                           \
-  BENCHMARK(read<Who>)->Name("packets read/" #Who)->Apply(once);                                             \
-  BENCHMARK(measureChain)->Name("chain of references/" #Who)->Apply(once)
-
-BENCH_ARCHIVE(Base, baseChain);
+const bool added = [] {
+  add<Base>("Base", baseChain);
 #ifdef BENCH_BoostSerialization
-BENCH_ARCHIVE(BoostSerialization, peerChain<BoostSerialization>);
+  add<BoostSerialization>("BoostSerialization", peerChain<BoostSerialization>);
 #endif
 #ifdef BENCH_Cereal
-BENCH_ARCHIVE(Cereal, peerChain<Cereal>);
+  add<Cereal>("Cereal", peerChain<Cereal>);
 #endif
+  return true;
+}();
 
 } // namespace
 
