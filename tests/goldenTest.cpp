@@ -148,6 +148,10 @@ void expectPackets(const std::string& path, const Golden& golden) {
   ASSERT_TRUE(in);
   ioClientReadContext client(in.get());
   EXPECT_EQ(in->readFile(client), ioOK);
+  // The packet behind the items is a string; who takes it owns it.
+  char* const text = static_cast<char*>(in->getReferenceDefinition(itemCount + 1));
+  EXPECT_STREQ(text, "a string of its own");
+  std::free(text);
   const std::vector<Item> items = makeItems();
   ASSERT_EQ(read.size(), items.size());
   for (int i = 0; i < itemCount; ++i) {
