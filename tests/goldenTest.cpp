@@ -200,39 +200,32 @@ void expectPackage(const std::string& path) {
   }
 }
 
-class GoldenFiles : public testing::Test {
-protected:
-  void SetUp() override { ioEncryptKeyInit(fixedKey); }
-  void TearDown() override { ioEncryptKeyInit(nullptr); }
+void expectAll(const std::string& folder) {
+  for (const Golden& golden : packetFiles) {
+    SCOPED_TRACE(golden.name);
+    expectPackets(folder + golden.name, golden);
+  }
+  expectPackage(folder + "mixed.package");
+}
 
-  static void expectAll(const std::string& folder) {
-    for (const Golden& golden : packetFiles) {
-      SCOPED_TRACE(golden.name);
-      expectPackets(folder + golden.name, golden);
-    }
-    expectPackage(folder + "mixed.package");
-  }
-  static void writeAll(const std::string& folder) {
-    for (const Golden& golden : packetFiles) writePackets(folder + golden.name, golden);
-    fs::remove(folder + "mixed.package");
-    writePackage(folder + "mixed.package");
-  }
-  const std::string folder_ = QV_GOLDEN_FOLDER "/";
-};
+void writeAll(const std::string& folder) {
+  for (const Golden& golden : packetFiles) writePackets(folder + golden.name, golden);
+  fs::remove(folder + "mixed.package");
+  writePackage(folder + "mixed.package");
+}
 
 } // namespace
 
-TEST_F(GoldenFiles, AreReadByEveryVersion) {
-  if (std::getenv("QV_GOLDEN_WRITE")) writeAll(folder_);
-  expectAll(folder_);
-}
-
-TEST_F(GoldenFiles, AreWrittenAgainByteForByte) {
+TEST(GoldenFiles, AreReadByEveryVersionAndWrittenAgainByteForByte) {
+  ioEncryptKeyInit(fixedKey);
+  const std::string golden = QV_GOLDEN_FOLDER "/";
+  if (std::getenv("QV_GOLDEN_WRITE")) writeAll(golden);
+  expectAll(golden);
   const qvTest::Directory scratch;
   writeAll(scratch.path(""));
   expectAll(scratch.path(""));
   if (!ioHeader::systemIsLittleEndian()) return; // numbers have the writer's byte order
-  for (const fs::directory_entry& file : fs::directory_iterator(folder_)) {
+  for (const fs::directory_entry& file : fs::directory_iterator(golden)) {
     const std::string name = file.path().filename().string();
     if (name == "encrypted.packets") continue; // begins with a random number
     EXPECT_TRUE(scratch.read(name) == qvTest::fileBytes(file.path().string())) << name;

@@ -155,25 +155,21 @@ TEST(ioContextBinary, aClientMayReadAsLittleAsItLikes) {
       [](ioReadContext&) {},
       [](ioReadContext& c) { EXPECT_EQ(c.fetchInt(), 1); },
       [](ioReadContext& c) { // everything
+        const auto next = [&] { return c.nextChunk(), c.moreInChunk(); };
         EXPECT_EQ(c.fetchInt(), 1);
-        c.nextChunk();
-        EXPECT_TRUE(c.moreInChunk());
+        EXPECT_TRUE(next());
         EXPECT_EQ(c.fetchShort(), 2);
         EXPECT_TRUE(c.moreInChunk()); // only nextChunk changes it
-        c.nextChunk();
-        EXPECT_FALSE(c.moreInChunk()); // an empty chunk
-        c.nextChunk();
-        EXPECT_TRUE(c.moreInChunk());
+        EXPECT_FALSE(next());         // an empty chunk
+        EXPECT_TRUE(next());
         c.startSubPacket();
         EXPECT_EQ(c.fetchInt(), 3);
-        c.nextChunk();
+        EXPECT_TRUE(next());
         EXPECT_EQ(c.fetchChar(), '4');
-        c.nextChunk();
-        EXPECT_FALSE(c.moreInChunk());
+        EXPECT_FALSE(next());
         c.endSubPacket();
         EXPECT_EQ(c.fetchChar(), '5');
-        c.nextChunk();
-        EXPECT_FALSE(c.moreInChunk());
+        EXPECT_FALSE(next());
       },
       [](ioReadContext& c) { // nothing of the chunks and of the sub-packet
         EXPECT_EQ(c.fetchInt(), 1);
