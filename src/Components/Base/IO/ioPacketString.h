@@ -4,7 +4,8 @@
 #include "Base/IO/ioPacketType.h"
 
 /// Reads a text packet into a copy from the C heap, defined as the packet's object: whoever takes its
-/// reference owns it and frees it with `free`. A packet without a reference, or with a negative one, is passed over.
+/// reference owns it and frees it with `free`. A packet without a reference, or with a negative one, is
+/// passed over.
 class ioPacketString final : public ioPacketType {
 public:
   static constexpr char name[] = "packetFile_string";
