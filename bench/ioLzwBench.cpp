@@ -80,22 +80,6 @@ const Files& files() {
   return made;
 }
 
-// A process with its output in a file. Returns its processor time.
-double run(const char* program, const std::string& input, const std::string& output) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  const char* const words[] = {program, "-c", input.c_str(), nullptr};
-  pid_t child = -1;
-  const int failed =
-      posix_spawn(&child, program, &actions, nullptr, const_cast<char* const*>(words), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  rusage usage{};
-  int status = 0;
-  if (failed || wait4(child, &status, 0, &usage) != child || status != 0) return -1;
-  return seconds(usage);
-}
-
 double compressed(const std::string& input, const std::string& output) {
   rusage before{};
   rusage after{};
@@ -155,6 +139,22 @@ BENCHMARK_CAPTURE(base, decode, true)->Name("LZW decode/Base")->Apply(once);
 BENCHMARK_CAPTURE(base, encode, false)->Name("LZW encode/Base")->Apply(once);
 
 #ifdef BENCH_Ncompress
+// A process with its output in a file. Returns its processor time.
+double run(const char* program, const std::string& input, const std::string& output) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  const char* const words[] = {program, "-c", input.c_str(), nullptr};
+  pid_t child = -1;
+  const int failed =
+      posix_spawn(&child, program, &actions, nullptr, const_cast<char* const*>(words), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  rusage usage{};
+  int status = 0;
+  if (failed || wait4(child, &status, 0, &usage) != child || status != 0) return -1;
+  return seconds(usage);
+}
+
 void ncompress(benchmark::State& state, bool expand) {
   measure(
       state, expand, [](const auto& input, const auto& output) { return run(COMPRESS, input, output); },

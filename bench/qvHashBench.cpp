@@ -66,7 +66,7 @@ struct GHashTableDirect : GLibSet {
 template <class Set>
 std::unique_ptr<Set> filled() {
   auto made = std::make_unique<Set>();
-  for (const std::uint64_t key : keys) made->insert(key);
+  for (const std::uint64_t& key : keys) made->insert(key);
   return made;
 }
 
@@ -89,7 +89,7 @@ void hit(benchmark::State& state) {
   std::size_t hits = 0;
   for (auto _ : state) {
     hits = 0;
-    for (const std::uint64_t key : shuffled) hits += set->contains(key);
+    for (const std::uint64_t& key : shuffled) hits += set->contains(key);
   }
   qvBench::setResult(state, hits);
 }
@@ -102,7 +102,7 @@ void erase(benchmark::State& state) {
     std::unique_ptr<Set> set = filled<Set>();
     state.ResumeTiming();
     erased = 0;
-    for (const std::uint64_t key : shuffled) erased += set->erase(key);
+    for (const std::uint64_t& key : shuffled) erased += set->erase(key);
     state.PauseTiming();
     erased -= set->size();
     set.reset();
