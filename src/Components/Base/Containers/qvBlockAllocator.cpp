@@ -19,7 +19,10 @@ struct BlockAllocator::Layout {
   static_assert(sizeof(void*) != 8 || sizeof(Block) == 16);
   static_assert(sizeof(void*) != 8 || sizeof(BlockAllocator) == 56);
   static_assert(offsetof(BlockAllocator, freeList_) == sizeof(void*));
+  static_assert(offsetof(BlockAllocator, elementSize_) == 2 * sizeof(void*));
+  static_assert(offsetof(BlockAllocator, numElementsInBlock_) == 2 * sizeof(void*) + 8);
   static_assert(offsetof(BlockAllocator, blockSize_) == 2 * sizeof(void*) + 16);
+  static_assert(offsetof(BlockAllocator, numAllocated_) == offsetof(BlockAllocator, blockSize_) + 8);
   static_assert(offsetof(BlockAllocator, numFreed_) == offsetof(BlockAllocator, numAllocated_) + 4);
 };
 

@@ -7,12 +7,15 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 namespace qv {
 
 struct HashTableImpl::Layout {
   static_assert(offsetof(HashNodeImpl, next) == 8);
+  static_assert(offsetof(TypeUtil, keyOffset) == 12 && offsetof(TypeUtil, valueOffset) == 16);
+  static_assert(sizeof(void*) != 8 || (offsetof(TypeUtil, equal) == 24 && sizeof(TypeUtil) == 72));
   static_assert(sizeof(buckets_) == sizeof(VectorImpl));
   static_assert(sizeof(void*) != 8 || offsetof(HashTableImpl, typeUtil_) == 24);
   static_assert(sizeof(void*) != 8 || offsetof(HashTableImpl, count_) == 32);
@@ -139,15 +142,21 @@ Node* HashTableImpl::insertMissing(std::uint64_t hash, const void* key, const vo
   return linkNewNode(&buckets_[bucketOf(hash)], hash, key, value, nullptr);
 }
 
+/// Where an insertion without growth begins: no bucket may be guessed where there is none.
+Node** HashTableImpl::headForInsertion(std::uint64_t hash) noexcept {
+  if (buckets_.empty()) std::abort();
+  return &buckets_[bucketOf(hash)];
+}
+
 Node* HashTableImpl::insert_unique_noresize(std::uint64_t hash, const void* key, const void* value) {
-  HashNodeImpl** const head = &buckets_[bucketOf(hash)];
+  HashNodeImpl** const head = headForInsertion(hash);
   for (HashNodeImpl* node = *head; node; node = node->next)
     if (typeUtil_->equal(keyPtrOfNode(node), key)) return node;
   return linkNewNode(head, hash, key, value, nullptr);
 }
 
 Node* HashTableImpl::insert_non_unique_noresize(std::uint64_t hash, const void* key, const void* value) {
-  HashNodeImpl** const head = &buckets_[bucketOf(hash)];
+  HashNodeImpl** const head = headForInsertion(hash);
   HashNodeImpl* equal = *head;
   while (equal && !typeUtil_->equal(keyPtrOfNode(equal), key)) equal = equal->next;
   return linkNewNode(equal ? &equal->next : head, hash, key, value, nullptr);

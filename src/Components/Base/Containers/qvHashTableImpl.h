@@ -74,7 +74,8 @@ public:
   [[nodiscard]] int size() const noexcept { return count_; }
   [[nodiscard]] int bucket_count() const noexcept { return buckets_.size(); }
 
-  /// @{ `hash % buckets`: the table's own number of buckets, or a given one; it must not be 0.
+  /// @{ `hash % buckets`: the table's own number of buckets, or a given one. It divides by zero where that is
+  /// 0, as in a table that never grew.
   [[nodiscard]] QV_BASE_API int bucketNum(std::uint64_t hash) const noexcept;
   [[nodiscard]] QV_BASE_API int bucketNum(std::uint64_t hash, int buckets) const noexcept;
   /// @}
@@ -95,8 +96,9 @@ public:
   QV_BASE_API HashNodeImpl* get(std::uint64_t hash, const void* key);
 
   /// @{ Inserts copies of key and value (left raw where `value` is null). The first leaves a node with that
-  /// key as it is and returns it; the second puts the new node behind its first equal. Neither grows the
-  /// table: call `rehash(size() + 1)` before, and never insert into a table without buckets.
+  /// key as it is and returns it; the second puts the new node behind its first equal. Both compare the keys
+  /// of the whole chain and, unlike `findNode`, not the hashes. Neither grows the table: call
+  /// `rehash(size() + 1)` before. On a table without buckets they end the process.
   QV_BASE_API HashNodeImpl* insert_unique_noresize(std::uint64_t hash, const void* key, const void* value);
   QV_BASE_API HashNodeImpl* insert_non_unique_noresize(std::uint64_t hash, const void* key,
                                                        const void* value);
@@ -192,6 +194,7 @@ private:
 
   using Construct = void (*)(void* dst);
   struct NewNode;
+  HashNodeImpl** headForInsertion(std::uint64_t hash) noexcept;
   HashNodeImpl* linkNewNode(HashNodeImpl** link, std::uint64_t hash, const void* key, const void* value,
                             Construct constructValue);
   void moveNodes(int buckets);

@@ -10,7 +10,10 @@ namespace qv {
 
 struct RBTreeImpl::Layout {
   static_assert(offsetof(RBTreeImpl, header_) == 0, "end() is the tree itself");
+  static_assert(offsetof(Node, right) == sizeof(void*) && offsetof(Node, parent) == 2 * sizeof(void*));
   static_assert(offsetof(Node, color) == 3 * sizeof(void*));
+  static_assert(offsetof(TypeUtil, keyOffset) == 4 && offsetof(TypeUtil, valueOffset) == 8);
+  static_assert(sizeof(void*) != 8 || (offsetof(TypeUtil, less) == 16 && sizeof(TypeUtil) == 96));
   static_assert(sizeof(void*) != 8 || offsetof(RBTreeImpl, count_) == 32);
   static_assert(sizeof(void*) != 8 || offsetof(RBTreeImpl, typeUtil_) == 40);
   static_assert(sizeof(void*) != 8 || offsetof(RBTreeImpl, allocator_) == 48);

@@ -159,6 +159,16 @@ TEST(HashTableImpl, DividesByMultiplying) {
   EXPECT_EQ(table.bucketNum(UINT64_MAX, 10), 5);
 }
 
+/// A record that counts the keys it destroys.
+struct Counting {
+  static inline int destroyed = 0;
+  static HashTableImpl::TypeUtil record() {
+    HashTableImpl::TypeUtil result = qv::detail::hashRecord<int, int, qv::equal_to<int>>;
+    result.destructKey = [](void*) { ++destroyed; };
+    return result;
+  }
+};
+
 /// Equal keys stay together, the new one behind the first; a copy and a growth keep them.
 TEST(HashTableImpl, KeepsEqualKeysTogether) {
   HashTableImpl table(&qv::detail::hashRecord<int, int, qv::equal_to<int>>);
@@ -166,11 +176,14 @@ TEST(HashTableImpl, KeepsEqualKeysTogether) {
   EXPECT_EQ(table.count(1, nullptr), 0);
   EXPECT_EQ(table.eraseKey(1, nullptr), 0);
   table.eraseNode(nullptr);
+  EXPECT_DEATH(table.insert_unique_noresize(1, "", nullptr), "") << "there is no bucket";
+  EXPECT_DEATH(table.insert_non_unique_noresize(1, "", nullptr), "");
   table.rehash(1);
   const int keys[] = {1, 2, 1, 2, 1};
   HashTableImpl::HashNodeImpl* nodes[5];
   for (int i = 0; i < 5; ++i) nodes[i] = table.insert_non_unique_noresize(7, &keys[i], &i);
   EXPECT_EQ(table.insert_unique_noresize(7, &keys[1], nullptr), nodes[1]);
+  EXPECT_EQ(table.insert_unique_noresize(14, &keys[1], nullptr), nodes[1]) << "the key alone decides";
   EXPECT_EQ(table.firstNode(), nodes[1]);
   EXPECT_EQ(nodes[1]->next, nodes[3]);
   EXPECT_EQ(nodes[3]->next, nodes[0]);
@@ -178,7 +191,8 @@ TEST(HashTableImpl, KeepsEqualKeysTogether) {
   EXPECT_EQ(table.count(7, &keys[0]), 3);
   EXPECT_EQ(table.findNode(14, &keys[0]), nullptr) << "the whole hash has to match";
 
-  HashTableImpl copy(&qv::detail::hashRecord<int, int, qv::equal_to<int>>);
+  static const HashTableImpl::TypeUtil counting = Counting::record();
+  HashTableImpl copy(&counting);
   table.max_load_factor(0.25F);
   EXPECT_EQ(table.firstNode(), nodes[2]) << "growth turns a chain round";
   copy.copy(&table);
@@ -192,7 +206,9 @@ TEST(HashTableImpl, KeepsEqualKeysTogether) {
   table.eraseNode(copy.firstNode());
   EXPECT_EQ(table.size(), 5) << "a foreign node is left alone";
   table.swap(copy);
+  Counting::destroyed = 0;
   table.clear();
+  EXPECT_EQ(Counting::destroyed, 2) << "the records are exchanged too";
   EXPECT_EQ(table.bucket_count(), 29);
   EXPECT_TRUE(ContainerCheck::isWellFormed(table));
   EXPECT_TRUE(ContainerCheck::isWellFormed(copy));
@@ -208,6 +224,45 @@ TEST(HashMap, HoldsWhatCanOnlyBeMoved) {
   EXPECT_TRUE(owners.empty());
   EXPECT_EQ(owners.begin(), owners.end());
   EXPECT_EQ(moved.size(), 1);
+}
+
+/// Values worked out by another program: every entry of the last round, several rounds, and more words than
+/// a table has.
+TEST(HashFunction, TakesItsStepsInOrder) {
+  const struct {
+    int line;
+    int length;
+    unsigned int counted, terminated, ofWords;
+  } rows[] = {
+      {__LINE__, 1, 0x12C3C522U, 0x690FF352U, 0x833C6D5DU},
+      {__LINE__, 2, 0x6E5BCBE1U, 0xAC8AA0EDU, 0x85B95091U},
+      {__LINE__, 3, 0xF75B1E8CU, 0xDAC4C818U, 0xD1E42480U},
+      {__LINE__, 4, 0x6EDB8CECU, 0x7704AB02U, 0x9A5E94A3U},
+      {__LINE__, 5, 0x656CF4F8U, 0xEFD45441U, 0xA9EE30F6U},
+      {__LINE__, 6, 0xC0ABA747U, 0x90E31762U, 0x4C81052FU},
+      {__LINE__, 7, 0xD34E0B0BU, 0xCBEC17D9U, 0xC9270091U},
+      {__LINE__, 8, 0xF7A835DAU, 0x39ED94BCU, 0x95EE39B3U},
+      {__LINE__, 9, 0x01E507A9U, 0xC1AE3A13U, 0x79B82C96U},
+      {__LINE__, 10, 0xE633B879U, 0xDB22FF43U, 0x84289268U},
+      {__LINE__, 11, 0x7199A7BEU, 0x89582957U, 0x990F3AC0U},
+      {__LINE__, 12, 0xC6D6A00EU, 0x293DEA71U, 0x50ED0B5AU},
+      {__LINE__, 13, 0x149B277AU, 0x22C47597U, 0x5B9C4314U},
+      {__LINE__, 14, 0xCE8509DCU, 0xEFD04620U, 0x98B65AA8U},
+      {__LINE__, 15, 0xBC2F8E87U, 0xEFE83D2BU, 0xA87EC6BEU},
+      {__LINE__, 30, 0x1996C169U, 0xB40BD3D8U, 0x0026C407U},
+      {__LINE__, 301, 0xA86D2AB8U, 0x49876DBFU, 0xB2F1B93CU},
+  };
+  for (const auto& row : rows) {
+    std::string text;
+    std::vector<unsigned int> words;
+    for (int i = 0; i < row.length; ++i) {
+      text.push_back(static_cast<char>((i * 37 + 200) % 255 + 1));
+      words.push_back(0x9E3779B9U * static_cast<unsigned int>(i + 1));
+    }
+    EXPECT_EQ(qv::hashfunction(text.data(), text.data() + row.length), row.counted) << row.line;
+    EXPECT_EQ(qv::hashfunction(text.c_str()), row.terminated) << row.line;
+    EXPECT_EQ(qv::hashfunction(words.data(), row.length), row.ofWords) << row.line;
+  }
 }
 
 TEST(HashFunction, TellsTextsApart) {

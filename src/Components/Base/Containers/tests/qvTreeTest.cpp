@@ -195,13 +195,17 @@ TEST(RBTreeImpl, FindsCopiesAndSwaps) {
   tree.eraseNodesMatching(&keys[2]);
   EXPECT_EQ(copy.size(), 4);
 
-  RBTreeImpl empty(&record);
+  static const RBTreeImpl::TypeUtil counting = Counting::record();
+  RBTreeImpl empty(&counting);
   empty.swap(tree);
   tree.swap(tree);
   copy.copy(copy);
   EXPECT_EQ(empty.begin(), one) << "nodes keep their addresses";
   EXPECT_EQ(one->next()->next(), empty.end());
   EXPECT_EQ(tree.begin(), tree.end());
+  Counting::searches = 0;
+  tree.insertNodeUnique(&keys[0]);
+  EXPECT_EQ(Counting::searches, 1) << "the records are exchanged too";
   for (const RBTreeImpl* each : {&tree, &copy, &empty}) EXPECT_TRUE(ContainerCheck::isWellFormed(*each));
 
   // What a cleared tree held is used again, before there is a new block.
