@@ -14,6 +14,10 @@ struct ListImpl::Layout {
   static_assert(offsetof(ListImpl, header_) == 0, "end() is the list itself");
   static_assert(offsetof(ListImpl, size_) == 2 * sizeof(void*));
   static_assert(offsetof(ListImpl, typeUtil_) == 3 * sizeof(void*));
+  static_assert(offsetof(Node, next) == 0 && offsetof(Node, prev) == sizeof(void*));
+  static_assert(offsetof(TypeUtil, nodeSize) == 0 && offsetof(TypeUtil, elementOffset) == 4);
+  static_assert(offsetof(TypeUtil, copyConstruct) == 8);
+  static_assert(offsetof(TypeUtil, destruct) == 8 + sizeof(void*));
 };
 
 namespace {
@@ -220,7 +224,8 @@ void ListImpl::merge(ListImpl& other, const void* argument, Merge mergeFunction)
 }
 
 /// The sorted runs of a merge sort. Bin n holds 2^n nodes, so the bins suffice for every count that an `int`
-/// holds. Where a comparison throws, what the bins hold goes back to the list.
+/// holds; they can run out only under a merge function that leaves its source filled. Where a comparison
+/// throws, what the bins hold goes back to the list.
 struct ListImpl::SortBins {
   static constexpr int most = 32;
 
@@ -251,8 +256,12 @@ void ListImpl::sort(const void* argument, Merge mergeFunction) {
       mergeFunction(bins[bin], carry, argument);
       carry.swap(bins[bin]);
     }
-    carry.swap(bins[bin]);
-    if (bin == used) ++used;
+    if (bin == SortBins::most) {
+      mergeFunction(bins[used - 1], carry, argument);
+    } else {
+      carry.swap(bins[bin]);
+      if (bin == used) ++used;
+    }
   }
   for (int bin = 1; bin < used; ++bin) mergeFunction(bins[bin], bins[bin - 1], argument);
   swap(bins[used - 1]);

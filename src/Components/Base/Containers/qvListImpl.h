@@ -150,6 +150,7 @@ public:
     sTransferNodes(position, node, node->next);
   }
   static void sTransferNodes(Node* position, Node* first, Node* last) noexcept {
+    if (first == last) return;
     Node* const final = last->prev;
     first->prev->next = last;
     last->prev = first->prev;
@@ -160,7 +161,8 @@ public:
   }
   /// @}
 
-  /// Exchanges the elements with a list of the same element type. Nodes keep their addresses.
+  /// Exchanges the elements with a list of the same element type; each list keeps its record. Nodes keep
+  /// their addresses and belong to the other list; an `end()` stays that of its list.
   QV_BASE_API void swap(ListImpl& other) noexcept;
 
 protected:
@@ -221,5 +223,6 @@ private:
 };
 
 static_assert(sizeof(ListImpl) == 4 * sizeof(void*));
+static_assert(sizeof(ListImpl::TypeUtil) == 8 + 2 * sizeof(void*));
 
 } // namespace qv

@@ -12,9 +12,16 @@
 namespace qv {
 
 struct VectorImpl::Layout {
+  static_assert(offsetof(VectorImpl, data_) == 0);
   static_assert(offsetof(VectorImpl, size_) == sizeof(void*));
   static_assert(offsetof(VectorImpl, capacity_) == sizeof(void*) + 4);
   static_assert(offsetof(VectorImpl, typeUtil_) == sizeof(void*) + 8);
+  static_assert(offsetof(TypeUtil, copyConstruct) == 0);
+  static_assert(offsetof(TypeUtil, copyConstructRange) == sizeof(void*));
+  static_assert(offsetof(TypeUtil, destruct) == 2 * sizeof(void*));
+  static_assert(offsetof(TypeUtil, destructRange) == 3 * sizeof(void*));
+  static_assert(offsetof(TypeUtil, distance) == 4 * sizeof(void*));
+  static_assert(offsetof(TypeUtil, elementSize) == 5 * sizeof(void*));
 };
 
 namespace {

@@ -97,7 +97,8 @@ public:
   /// sum of both sizes, even where it was larger; a sum of 0 releases the block.
   QV_BASE_API void append(const VectorImpl& other);
 
-  /// @{ Inserts one element in front of `position` and returns its place; grows as `append` does.
+  /// @{ Inserts one element in front of `position` and returns its place; grows as `append` does. The value
+  /// must not lie in this vector.
   QV_BASE_API void* insert(void* position, Construct construct);
   QV_BASE_API void* insert(void* position, const void* value);
   QV_BASE_API void* insert(void* position, const void* value, Copy copyElement);
@@ -119,9 +120,10 @@ public:
   /// Destroys a range and closes the gap. Returns `first`.
   QV_BASE_API void* erase(void* first, void* last);
 
-  /// Exchanges the elements with a vector of the same element type.
+  /// Exchanges the elements with a vector of the same element type; each vector keeps its record.
   QV_BASE_API void swap(VectorImpl& other) noexcept;
-  /// Makes this a copy of `other`; the capacity becomes exactly the other's size.
+  /// Makes this a copy of `other`; the capacity becomes exactly the other's size, so that a copy of an empty
+  /// vector releases the block. Nothing for the vector itself.
   QV_BASE_API void copy(const VectorImpl& other);
   /// @{ Replaces the elements by copies of a range outside this vector; keeps a block that is large enough.
   QV_BASE_API void assign(const void* first, const void* last);
@@ -138,7 +140,8 @@ protected:
   void destructRange(void* first, int count) const {
     if (typeUtil_->destructRange) typeUtil_->destructRange(first, count);
   }
-  /// Reallocates to exactly that capacity, at least the size; 0 releases the block. Returns the block.
+  /// Reallocates to exactly that capacity, at least the size; 0 destroys the elements and releases the block.
+  /// Leaves the size as it is. Returns the block.
   QV_BASE_API void* setCapacity(int capacity);
   /// Grows by the rule of `append`. Returns the block.
   QV_BASE_API void* growByOne();

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <ranges>
@@ -212,8 +213,40 @@ TEST_F(ListTest, CoreTakesFunctionsAndRelinks) {
   EXPECT_EQ(list.size(), 2) << "the caller keeps the counts";
   --list.getReferenceToSize();
   ++other.size();
+  ListImpl::sTransferNodes(list.end(), other.begin(), other.begin());
   EXPECT_TRUE(ContainerCheck::isWellFormed(list));
   EXPECT_TRUE(ContainerCheck::isWellFormed(other));
+}
+
+/// The bins of the sort fill one by one then, and must not run over.
+TEST_F(ListTest, SortSurvivesAMergeFunctionThatLeavesItsSource) {
+  using qv::ListImpl;
+  ListImpl list(&qv::detail::listRecord<int>);
+  for (int i = 0; i < 100; ++i) list.append(&i);
+  list.sort(nullptr, [](ListImpl&, ListImpl&, const void*) {});
+  EXPECT_EQ(list.size(), 100);
+  EXPECT_TRUE(ContainerCheck::isWellFormed(list));
+}
+
+TEST_F(ListTest, CorePutsPointersAtBothEndsAndBetween) {
+  using qv::ListImpl;
+  ListImpl list(&qv::detail::listRecord<int*>);
+  const auto valueOf = [](const ListImpl::Node* node) { return qv::detail::ListElement<int*>::of(node); };
+  int x[5] = {};
+  list.appendAndAssignPtr(x + 2);
+  list.prependAndAssignPtr(x + 1);
+  *static_cast<int**>(list.prependAndReturnPtr()) = x;
+  qv::detail::ListElement<int*>::of(list.insertAndReturnNode(list.end())) = x + 4;
+  EXPECT_EQ(valueOf(list.insertAndAssignPtr(list.end()->prev, x + 3)), x + 3);
+  int* expected = x;
+  for (const auto* node = list.begin(); node != list.end(); node = node->next)
+    EXPECT_EQ(valueOf(node), expected++);
+  EXPECT_EQ(list.size(), 5);
+  ListImpl::Node* const taken = list.begin()->next;
+  EXPECT_EQ(valueOf(list.unlink(taken)), x + 2);
+  EXPECT_EQ(valueOf(taken), x + 1);
+  EXPECT_EQ(list.size(), 4);
+  std::free(taken);
 }
 
 } // namespace

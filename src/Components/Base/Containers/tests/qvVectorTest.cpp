@@ -155,6 +155,38 @@ TEST(Vector, CoreTakesFunctions) {
   const int expected[] = {-7, 42, 7, 1, 2, 6, 6, 42, 8, -7};
   ASSERT_EQ(vector.size(), 10);
   EXPECT_TRUE(std::equal(expected, expected + 10, vector.at(0)));
+  vector.assign(&seven, &seven + 1, record.distance, [](void* dst, const void* src, int) {
+    *static_cast<int*>(dst) = *static_cast<const int*>(src) + 1;
+  });
+  EXPECT_EQ(vector.size(), 1);
+  EXPECT_EQ(vector.capacity(), 10);
+  EXPECT_EQ(*vector.at(0), 8);
+}
+
+TEST(Vector, CorePutsPointersWithoutCalls) {
+  qv::VectorImpl::TypeUtil silent = qv::VectorImpl::sPointerTypeUtil;
+  silent.copyConstruct = nullptr;
+  struct Open : qv::VectorImpl {
+    using VectorImpl::data_;
+    using VectorImpl::growByOneAndAssignPtr;
+    using VectorImpl::setCapacity;
+    using VectorImpl::size_;
+    using VectorImpl::VectorImpl;
+    [[nodiscard]] void*& at(int index) const { return static_cast<void**>(data_)[index]; }
+  };
+  Open vector(&silent);
+  char x[40] = {};
+  for (int i = 2; i < 34; ++i) vector.appendAndAssignPtr(x + i);
+  EXPECT_EQ(vector.capacity(), 32);
+  ++vector.size_;
+  vector.growByOneAndAssignPtr(x + 34);
+  EXPECT_EQ(vector.capacity(), 64);
+  EXPECT_EQ(vector.insertAndAssignPtr(&vector.at(0), x), &vector.at(0));
+  EXPECT_EQ(vector.insertAndAssignPtr(&vector.at(1), x + 1), &vector.at(1));
+  for (int i = 0; i < 35; ++i) EXPECT_EQ(vector.at(i), x + i);
+  vector.setCapacity(0);
+  EXPECT_EQ(vector.data_, nullptr);
+  EXPECT_EQ(vector.size(), 35) << "the size is left alone";
 }
 
 #if GTEST_HAS_DEATH_TEST
