@@ -208,6 +208,17 @@ TEST(RBTreeImpl, FindsCopiesAndSwaps) {
   EXPECT_EQ(Counting::searches, 1) << "the records are exchanged too";
   for (const RBTreeImpl* each : {&tree, &copy, &empty}) EXPECT_TRUE(ContainerCheck::isWellFormed(*each));
 
+  alignas(RBTreeImpl) unsigned char memory[sizeof(RBTreeImpl)];
+  auto* const raw = reinterpret_cast<RBTreeImpl*>(memory);
+  raw->initialize(copy);
+  EXPECT_EQ(raw->size(), 4);
+  EXPECT_TRUE(ContainerCheck::isWellFormed(*raw));
+  std::destroy_at(raw);
+  raw->initialize(&record);
+  EXPECT_EQ(raw->findNode(&keys[0]), raw->end());
+  EXPECT_TRUE(ContainerCheck::isWellFormed(*raw));
+  std::destroy_at(raw);
+
   // What a cleared tree held is used again, before there is a new block.
   const int blocks = ContainerCheck::numBlocks(ContainerCheck::allocator(copy));
   copy.clear();
