@@ -185,7 +185,7 @@ public:
   template <class... Args>
   iterator emplace(const_iterator position, Args&&... args) {
     if constexpr (detail::isObjectPointer<T>) {
-      return iterator(insertAndAssignPtr(position.node_, detail::untyped(T(std::forward<Args>(args)...))));
+      return iterator(insertAndAssignPtr(position.node_, detail::untyped(T{std::forward<Args>(args)...})));
     } else {
       NewNode made{*this, allocateNode()};
       std::construct_at(std::addressof(Element::of(made.node)), std::forward<Args>(args)...);

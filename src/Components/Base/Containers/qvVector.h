@@ -151,7 +151,7 @@ public:
   template <class... Args>
   T& emplace_back(Args&&... args) {
     if constexpr (detail::isObjectPointer<T>) {
-      return appendPointer(T(std::forward<Args>(args)...));
+      return appendPointer(T{std::forward<Args>(args)...});
     } else {
       // The element is made before the block moves, so that an argument may lie in this vector.
       Staged staged(std::forward<Args>(args)...);
@@ -200,7 +200,7 @@ public:
   iterator emplace(const_iterator position, Args&&... args) {
     if constexpr (detail::isObjectPointer<T>) {
       return static_cast<T*>(
-          insertAndAssignPtr(detail::untyped(position), detail::untyped(T(std::forward<Args>(args)...))));
+          insertAndAssignPtr(detail::untyped(position), detail::untyped(T{std::forward<Args>(args)...})));
     } else {
       Staged staged(std::forward<Args>(args)...);
       return staged.moveTo(insertAndReturnPtr(detail::untyped(position)));
