@@ -38,4 +38,4 @@ build() {
 # Objects are shared between checkouts.
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
-build_packages="g++ cmake ninja-build libgtest-dev ccache"
+build_packages="g++ cmake ninja-build libgtest-dev ccache python3"
