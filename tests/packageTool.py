@@ -1,8 +1,19 @@
 #!/usr/bin/env python3
 """Uses the package tool as ordinary and as hostile users do. usage: packageTool.py QVPACKAGE"""
-import contextlib, json, os, pty, random, resource, shutil, signal, stat, subprocess, sys, tempfile, time
+import atexit, contextlib, json, os, pty, random, resource, shutil, signal, stat, subprocess, sys, tempfile, time
 
-TOOL = os.path.abspath(sys.argv[1])
+def reachable(tool):
+    """Copies the tool and its library to where every user may run them, wherever the build lies."""
+    place = tempfile.mkdtemp(prefix="base-package-tool.")
+    atexit.register(shutil.rmtree, place, ignore_errors=True)
+    os.chmod(place, 0o755)
+    library = os.path.join(os.path.dirname(tool), "..", "lib", "libBase.so.1")
+    os.environ["LD_LIBRARY_PATH"] = place
+    shutil.copy(library, place)
+    return shutil.copy(tool, place)
+
+
+TOOL = reachable(os.path.abspath(sys.argv[1]))
 failures = 0
 
 
