@@ -103,7 +103,7 @@ public:
   }
 
 private:
-  using Spec = Directive<C>;
+  using Parsed = Directive<C>;
 
   /// Prints one directive and returns what follows it.
   const C* directive(const C* percent) noexcept {
@@ -111,22 +111,22 @@ private:
       out_.put('%');
       return percent + 2;
     }
-    Spec spec = scanDirective(percent + 1);
-    if (!print(spec, percent + 1)) out_.text(percent, static_cast<std::size_t>(spec.end - percent));
-    return spec.end;
+    Parsed parsed = scanDirective(percent + 1);
+    if (!print(parsed, percent + 1)) out_.text(percent, static_cast<std::size_t>(parsed.end - percent));
+    return parsed.end;
   }
 
   /// False, with no argument read, for a directive that isn't known.
-  bool print(Spec& spec, const C* afterPercent) noexcept {
-    switch (spec.letter) {
+  bool print(Parsed& parsed, const C* afterPercent) noexcept {
+    switch (parsed.letter) {
     case 'd':
     case 'i':
-      return isIntegerSize(spec.size) && (fetchStars(spec), signedInteger(spec), true);
+      return isIntegerSize(parsed.size) && (fetchStars(parsed), signedInteger(parsed), true);
     case 'u':
     case 'o':
     case 'x':
     case 'X':
-      return isIntegerSize(spec.size) && (fetchStars(spec), unsignedInteger(spec), true);
+      return isIntegerSize(parsed.size) && (fetchStars(parsed), unsignedInteger(parsed), true);
     case 'a':
     case 'A':
     case 'e':
@@ -135,16 +135,17 @@ private:
     case 'F':
     case 'g':
     case 'G':
-      return isFloatSize(spec.size) && (fetchStars(spec), floating(spec), true);
+      return isFloatSize(parsed.size) && (fetchStars(parsed), floating(parsed), true);
     case 'p':
-      return spec.size == Size::None && (fetchStars(spec), pointer(spec), true);
+      return parsed.size == Size::None && (fetchStars(parsed), pointer(parsed), true);
     case 's':
     case 'S':
-      return isTextSize(spec.size) && (fetchStars(spec), string(spec, takesWide(spec, afterPercent)), true);
+      return isTextSize(parsed.size) &&
+             (fetchStars(parsed), string(parsed, takesWide(parsed, afterPercent)), true);
     case 'c':
     case 'C':
-      return isTextSize(spec.size) &&
-             (fetchStars(spec), character(spec, takesWide(spec, afterPercent)), true);
+      return isTextSize(parsed.size) &&
+             (fetchStars(parsed), character(parsed, takesWide(parsed, afterPercent)), true);
     default:
       return false;
     }
@@ -161,24 +162,24 @@ private:
   /// Whether `%s` or `%c` takes a wide argument. The runtime's reading of the letters is the width of the
   /// format for the small one and the other width for the capital; a plain directive in a wide format has it
   /// exchanged.
-  static bool takesWide(const Spec& spec, const C* afterPercent) noexcept {
-    if (spec.size != Size::None) return spec.size != Size::Short;
-    const bool capital = spec.letter == 'S' || spec.letter == 'C';
+  static bool takesWide(const Parsed& parsed, const C* afterPercent) noexcept {
+    if (parsed.size != Size::None) return parsed.size != Size::Short;
+    const bool capital = parsed.letter == 'S' || parsed.letter == 'C';
     if constexpr (std::is_same_v<C, char>)
       return capital;
     else
-      return capital == (plainLetter(afterPercent) + 1 == spec.end);
+      return capital == (plainLetter(afterPercent) + 1 == parsed.end);
   }
 
-  void fetchStars(Spec& spec) noexcept {
-    if (spec.starWidth) {
+  void fetchStars(Parsed& parsed) noexcept {
+    if (parsed.starWidth) {
       const int width = va_arg(args_, int);
-      spec.left = spec.left || width < 0;
-      spec.width = width >= 0                                 ? width
-                   : width == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max()
-                                                              : -width;
+      parsed.left = parsed.left || width < 0;
+      parsed.width = width >= 0                                 ? width
+                     : width == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max()
+                                                                : -width;
     }
-    if (spec.starPrecision) spec.precision = std::max(va_arg(args_, int), -1);
+    if (parsed.starPrecision) parsed.precision = std::max(va_arg(args_, int), -1);
   }
 
   std::int64_t fetchSigned(Size size) noexcept {
@@ -225,73 +226,73 @@ private:
     }
   }
 
-  void signedInteger(const Spec& spec) noexcept {
-    const std::int64_t value = fetchSigned(spec.size);
+  void signedInteger(const Parsed& parsed) noexcept {
+    const std::int64_t value = fetchSigned(parsed.size);
     Number number;
-    addSign(number, value < 0, spec);
+    addSign(number, value < 0, parsed);
     char digits[24];
     char* const end = digits + sizeof digits;
     const std::uint64_t magnitude =
         value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    integer(number, decimalDigits(magnitude, end), end, spec);
+    integer(number, decimalDigits(magnitude, end), end, parsed);
   }
 
-  void unsignedInteger(const Spec& spec) noexcept {
-    const std::uint64_t value = fetchUnsigned(spec.size);
+  void unsignedInteger(const Parsed& parsed) noexcept {
+    const std::uint64_t value = fetchUnsigned(parsed.size);
     Number number;
     char digits[24];
     char* const end = digits + sizeof digits;
     char* first = end;
-    if (spec.letter == 'u') {
+    if (parsed.letter == 'u') {
       first = decimalDigits(value, end);
-    } else if (spec.letter == 'o') {
+    } else if (parsed.letter == 'o') {
       first = binaryDigits(value, 3, false, end);
-      if (spec.alternate && (value || spec.precision == 0)) *--first = '0';
+      if (parsed.alternate && (value || parsed.precision == 0)) *--first = '0';
     } else {
-      first = binaryDigits(value, 4, spec.letter == 'X', end);
-      if (spec.alternate && value) {
+      first = binaryDigits(value, 4, parsed.letter == 'X', end);
+      if (parsed.alternate && value) {
         number.addPrefix('0');
-        number.addPrefix(spec.letter);
+        number.addPrefix(parsed.letter);
       }
     }
-    integer(number, first, end, spec);
+    integer(number, first, end, parsed);
   }
 
-  void integer(Number& number, const char* first, const char* end, const Spec& spec) noexcept {
+  void integer(Number& number, const char* first, const char* end, const Parsed& parsed) noexcept {
     number.digits = first;
     number.numDigits = static_cast<std::size_t>(end - first);
-    const int wanted = spec.precision < 0 ? 1 : spec.precision;
+    const int wanted = parsed.precision < 0 ? 1 : parsed.precision;
     number.zeros = std::max(wanted - static_cast<int>(number.numDigits), 0);
-    print(number, spec, spec.zero && spec.precision < 0);
+    print(number, parsed, parsed.zero && parsed.precision < 0);
   }
 
-  static void addSign(Number& number, bool negative, const Spec& spec) noexcept {
+  static void addSign(Number& number, bool negative, const Parsed& parsed) noexcept {
     if (negative)
       number.addPrefix('-');
-    else if (spec.plus)
+    else if (parsed.plus)
       number.addPrefix('+');
-    else if (spec.blank)
+    else if (parsed.blank)
       number.addPrefix(' ');
   }
 
-  void print(const Number& number, const Spec& spec, bool zeroPadded) noexcept {
+  void print(const Number& number, const Parsed& parsed, bool zeroPadded) noexcept {
     const std::size_t length = static_cast<std::size_t>(number.prefixLength) +
                                static_cast<std::size_t>(number.zeros) + number.numDigits;
-    const std::size_t padding = paddingOf(spec, length);
-    if (padding && !spec.left && !zeroPadded) out_.fill(padding, ' ');
+    const std::size_t padding = paddingOf(parsed, length);
+    if (padding && !parsed.left && !zeroPadded) out_.fill(padding, ' ');
     for (int i = 0; i < number.prefixLength; ++i) out_.put(static_cast<C>(number.prefix[i]));
-    if (padding && !spec.left && zeroPadded) out_.fill(padding, '0');
+    if (padding && !parsed.left && zeroPadded) out_.fill(padding, '0');
     if (number.zeros) out_.fill(static_cast<std::size_t>(number.zeros), '0');
     out_.text(number.digits, number.numDigits);
-    if (padding && spec.left) out_.fill(padding, ' ');
+    if (padding && parsed.left) out_.fill(padding, ' ');
   }
 
-  static std::size_t paddingOf(const Spec& spec, std::size_t length) noexcept {
-    const std::size_t width = static_cast<std::size_t>(spec.width);
+  static std::size_t paddingOf(const Parsed& parsed, std::size_t length) noexcept {
+    const std::size_t width = static_cast<std::size_t>(parsed.width);
     return width > length ? width - length : 0;
   }
 
-  void pointer(const Spec& spec) noexcept {
+  void pointer(const Parsed& parsed) noexcept {
     constexpr int kDigits = 16;
     char digits[kDigits];
     char* const end = digits + kDigits;
@@ -299,111 +300,111 @@ private:
     number.digits = binaryDigits(reinterpret_cast<std::uintptr_t>(va_arg(args_, void*)), 4, true, end);
     number.numDigits = static_cast<std::size_t>(end - number.digits);
     number.zeros = kDigits - static_cast<int>(number.numDigits);
-    print(number, spec, false);
+    print(number, parsed, false);
   }
 
-  void floating(const Spec& spec) noexcept {
-    if (spec.size == Size::LongDouble) return floatingByRuntime(spec, va_arg(args_, long double));
+  void floating(const Parsed& parsed) noexcept {
+    if (parsed.size == Size::LongDouble) return floatingByRuntime(parsed, va_arg(args_, long double));
     const double value = va_arg(args_, double);
-    if (!floatingByHand(spec, value)) floatingByRuntime(spec, value);
+    if (!floatingByHand(parsed, value)) floatingByRuntime(parsed, value);
   }
 
-  bool floatingByHand(const Spec& spec, double value) noexcept {
+  bool floatingByHand(const Parsed& parsed, double value) noexcept {
     FloatDigits digits;
-    if (spec.alternate || !std::isfinite(value) ||
-        !digits.make(std::fabs(value), spec.letter, spec.precision))
+    if (parsed.alternate || !std::isfinite(value) ||
+        !digits.make(std::fabs(value), parsed.letter, parsed.precision))
       return false;
     Number number;
-    addSign(number, std::signbit(value), spec);
+    addSign(number, std::signbit(value), parsed);
     number.digits = digits.begin();
     number.numDigits = digits.size();
-    print(number, spec, spec.zero);
+    print(number, parsed, parsed.zero);
     return true;
   }
 
   /// The C runtime makes the number, and the padding is done here. Digits past the greatest precision that a
   /// number can need are all zeros.
   template <class Float>
-  void floatingByRuntime(const Spec& spec, Float value) noexcept {
+  void floatingByRuntime(const Parsed& parsed, Float value) noexcept {
     constexpr int kMostPrecision = 16500;
     char format[12];
     char* p = format;
     *p++ = '%';
-    if (spec.plus) *p++ = '+';
-    if (spec.blank) *p++ = ' ';
-    if (spec.alternate) *p++ = '#';
+    if (parsed.plus) *p++ = '+';
+    if (parsed.blank) *p++ = ' ';
+    if (parsed.alternate) *p++ = '#';
     *p++ = '.';
     *p++ = '*';
     if (std::is_same_v<Float, long double>) *p++ = 'L';
-    *p++ = spec.letter;
+    *p++ = parsed.letter;
     *p = '\0';
     char body[kMostPrecision + 5000];
     const int made =
-        std::snprintf(body, sizeof body, format, std::min(spec.precision, kMostPrecision), value);
+        std::snprintf(body, sizeof body, format, std::min(parsed.precision, kMostPrecision), value);
     const std::size_t length = std::min(static_cast<std::size_t>(std::max(made, 0)), sizeof body - 1);
-    const bool hasFurther = spec.precision > kMostPrecision && std::isfinite(value) &&
-                            ((spec.letter != 'g' && spec.letter != 'G') || spec.alternate);
-    printRuntimeNumber(spec, body, length,
-                       hasFurther ? static_cast<std::size_t>(spec.precision - kMostPrecision) : 0,
+    const bool hasFurther = parsed.precision > kMostPrecision && std::isfinite(value) &&
+                            ((parsed.letter != 'g' && parsed.letter != 'G') || parsed.alternate);
+    printRuntimeNumber(parsed, body, length,
+                       hasFurther ? static_cast<std::size_t>(parsed.precision - kMostPrecision) : 0,
                        std::isfinite(value));
   }
 
   /// `body` is a sign, "0x", digits and an exponent, all but the digits optional. `further` zeros belong
   /// behind the digits.
-  void printRuntimeNumber(const Spec& spec, const char* body, std::size_t length, std::size_t further,
+  void printRuntimeNumber(const Parsed& parsed, const char* body, std::size_t length, std::size_t further,
                           bool finite) noexcept {
     const char* const end = body + length;
     const char* first = body;
     if (first != end && (*first == '-' || *first == '+' || *first == ' ')) ++first;
-    const bool hexadecimal = finite && (spec.letter == 'a' || spec.letter == 'A');
+    const bool hexadecimal = finite && (parsed.letter == 'a' || parsed.letter == 'A');
     if (hexadecimal) first += 2;
     const char* exponent = end;
-    if (finite && spec.letter != 'f' && spec.letter != 'F')
+    if (finite && parsed.letter != 'f' && parsed.letter != 'F')
       exponent = std::find_if(
           first, end, [=](char c) { return hexadecimal ? c == 'p' || c == 'P' : c == 'e' || c == 'E'; });
-    const std::size_t padding = paddingOf(spec, convert(body, length, kNoLimit, ignore) + further);
-    const bool zeroPadded = spec.zero && finite;
-    if (!spec.left && !zeroPadded) out_.fill(padding, ' ');
+    const std::size_t padding = paddingOf(parsed, convert(body, length, kNoLimit, ignore) + further);
+    const bool zeroPadded = parsed.zero && finite;
+    if (!parsed.left && !zeroPadded) out_.fill(padding, ' ');
     out_.text(body, static_cast<std::size_t>(first - body));
-    if (!spec.left && zeroPadded) out_.fill(padding, '0');
+    if (!parsed.left && zeroPadded) out_.fill(padding, '0');
     convert(first, static_cast<std::size_t>(exponent - first), kNoLimit, writer());
     out_.fill(further, '0');
     out_.text(exponent, static_cast<std::size_t>(end - exponent));
-    if (spec.left) out_.fill(padding, ' ');
+    if (parsed.left) out_.fill(padding, ' ');
   }
 
   static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
-  void string(const Spec& spec, bool wide) noexcept {
+  void string(const Parsed& parsed, bool wide) noexcept {
     if (wide)
-      anyString(spec, va_arg(args_, const qv::WChar*), QV_W("(null)"));
+      anyString(parsed, va_arg(args_, const qv::WChar*), QV_W("(null)"));
     else
-      anyString(spec, va_arg(args_, const char*), "(null)");
+      anyString(parsed, va_arg(args_, const char*), "(null)");
   }
 
   template <class From>
-  void anyString(const Spec& spec, const From* text, const From* null) noexcept {
-    const std::size_t limit = spec.precision < 0 ? kNoLimit : static_cast<std::size_t>(spec.precision);
-    printText(spec, text ? text : null, kNoLimit, limit);
+  void anyString(const Parsed& parsed, const From* text, const From* null) noexcept {
+    const std::size_t limit = parsed.precision < 0 ? kNoLimit : static_cast<std::size_t>(parsed.precision);
+    printText(parsed, text ? text : null, kNoLimit, limit);
   }
 
-  void character(const Spec& spec, bool wide) noexcept {
+  void character(const Parsed& parsed, bool wide) noexcept {
     const int code = va_arg(args_, int);
     if (wide) {
       const qv::WChar c = static_cast<qv::WChar>(code);
-      printText(spec, &c, 1, kNoLimit);
+      printText(parsed, &c, 1, kNoLimit);
     } else {
       const char c = static_cast<char>(code);
-      printText(spec, &c, 1, kNoLimit);
+      printText(parsed, &c, 1, kNoLimit);
     }
   }
 
   template <class From>
-  void printText(const Spec& spec, const From* text, std::size_t count, std::size_t limit) noexcept {
-    const std::size_t padding = spec.width ? paddingOf(spec, convert(text, count, limit, ignore)) : 0;
-    if (!spec.left) out_.fill(padding, ' ');
+  void printText(const Parsed& parsed, const From* text, std::size_t count, std::size_t limit) noexcept {
+    const std::size_t padding = parsed.width ? paddingOf(parsed, convert(text, count, limit, ignore)) : 0;
+    if (!parsed.left) out_.fill(padding, ' ');
     convert(text, count, limit, writer());
-    if (spec.left) out_.fill(padding, ' ');
+    if (parsed.left) out_.fill(padding, ' ');
   }
 
   static constexpr auto ignore = [](const auto*, std::size_t) {};
