@@ -20,7 +20,7 @@ add_library(Base SHARED ${objects})
 add_library(Base::Base ALIAS Base)
 set_target_properties(Base PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 target_compile_features(Base PUBLIC cxx_std_20)
-if(NOT BASE_SANITIZE) # the sanitizers' runtime is left to the program
+if(NOT WIN32 AND NOT BASE_SANITIZE) # the sanitizers' runtime is left to the program
   target_link_options(Base PRIVATE -Wl,-z,defs -Wl,-Bsymbolic-functions)
 endif()
 target_link_libraries(Base PRIVATE $<BUILD_INTERFACE:BaseFlags>)

@@ -317,7 +317,8 @@ char URL::asciiHexit2decimalHexit(char digit) {
 }
 
 char URL::decimalHexit2asciiHexit(char value) {
-  return value >= 0 && value < 16 ? "0123456789ABCDEF"[static_cast<int>(value)] : '\0';
+  const auto digit = static_cast<unsigned char>(value);
+  return digit < 16 ? "0123456789ABCDEF"[digit] : '\0';
 }
 
 } // namespace qvOS
