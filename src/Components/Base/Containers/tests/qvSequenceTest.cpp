@@ -97,7 +97,8 @@ TYPED_TEST(Sequence, BehavesAsTheModel) {
       },
       [&] {
         if (place == this->size()) return;
-        EXPECT_EQ(std::distance(this->tested_.begin(), this->tested_.erase(this->at(place))), place);
+        const auto following = this->tested_.erase(this->at(place));
+        EXPECT_EQ(std::distance(this->tested_.begin(), following), place);
         this->model_.erase(this->modelAt(place));
       },
       [&] {
