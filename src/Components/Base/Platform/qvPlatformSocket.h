@@ -16,7 +16,8 @@ using SocketHandle = std::intptr_t;
 inline constexpr SocketHandle noSocket = -1;
 
 /// The families that a stream socket can be opened for: bit 1 IPv4, bit 2 IPv6 [socket]. A system that wants
-/// to be started for sockets is started here, and tells on the standard output why it could not be.
+/// to be started for sockets is started here [WSAStartup], before any other call, and tells on the standard
+/// output why it could not be.
 inline constexpr unsigned familyIPv4 = 1;
 inline constexpr unsigned familyIPv6 = 2;
 [[nodiscard]] unsigned availableFamilies() noexcept;
@@ -49,7 +50,7 @@ void freeAddressList(addrinfo* list) noexcept;
 [[nodiscard]] int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept;
 /// Connects it to the entry's address [connect].
 [[nodiscard]] int connectSocket(SocketHandle socket, const addrinfo* entry) noexcept;
-/// Closes it [close]. The handle is gone in every case.
+/// Closes it [closesocket]. The handle is gone in every case.
 int closeSocket(SocketHandle socket) noexcept;
 
 enum class SocketSide { receive, send, both };
@@ -76,7 +77,7 @@ struct SocketWait {
 
 /// Waits until one of the sockets can be read, accepted from or is broken, at most `microseconds`; negative
 /// means no limit [poll]. `*readyCount` (may be null) is 0 after the limit. An invalid handle is an error,
-/// and so is an empty set without a limit.
+/// and so are an empty set without a limit and, on some systems, more than 64 sockets.
 [[nodiscard]] int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
                                std::size_t* readyCount) noexcept;
 
@@ -87,7 +88,8 @@ enum class SocketEnd { local, remote };
 /// Another descriptor of the same connection, owned by the caller [dup].
 [[nodiscard]] int duplicateSocket(SocketHandle socket, int* descriptor) noexcept;
 /// A C stream, open for reading and writing, that owns `descriptor` and whose writes raise no signal
-/// [fdopen]. On a failure the descriptor stays the caller's.
+/// [fdopen]. On a failure the descriptor stays the caller's. Between reading and writing again stands a seek,
+/// as C wants it, whose failure means nothing here.
 [[nodiscard]] int openSocketStream(int descriptor, std::FILE** stream) noexcept;
 /// Closes a descriptor of `duplicateSocket` that no stream owns [close].
 int closeDescriptor(int descriptor) noexcept;

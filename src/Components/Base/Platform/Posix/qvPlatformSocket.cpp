@@ -63,6 +63,14 @@ int finishConnect(int socket) noexcept {
   return ::getsockopt(socket, SOL_SOCKET, SO_ERROR, &outcome, &size) ? errno : outcome;
 }
 
+// The system lets go of the descriptor whatever it answers, so an interrupted close is done and never
+// repeated.
+int closeAnnounced(const char* name, int descriptor) noexcept {
+  const int scripted = beforeCall(name);
+  const int error = ::close(descriptor) < 0 && errno != EINTR ? errno : 0;
+  return scripted ? scripted : error;
+}
+
 template <class T>
 int setOption(SocketHandle socket, int level, int option, const T& value) noexcept {
   return retryCall("setsockopt",
@@ -151,7 +159,7 @@ int connectSocket(SocketHandle socket, const addrinfo* entry) noexcept {
   return errno == EINTR ? finishConnect(descriptor) : errno;
 }
 
-int closeSocket(SocketHandle socket) noexcept { return closeDescriptor(descriptorOf(socket)); }
+int closeSocket(SocketHandle socket) noexcept { return closeAnnounced("closesocket", descriptorOf(socket)); }
 
 int shutdownSocket(SocketHandle socket, SocketSide side) noexcept {
   const int how = side == SocketSide::receive ? SHUT_RD : side == SocketSide::send ? SHUT_WR : SHUT_RDWR;
@@ -281,12 +289,6 @@ int openSocketStream(int descriptor, std::FILE** stream) noexcept {
   return *stream ? 0 : errno;
 }
 
-int closeDescriptor(int descriptor) noexcept {
-  // The system lets go of the descriptor whatever it answers, so an interrupted close is done and never
-  // repeated.
-  const int scripted = beforeCall("close");
-  const int error = ::close(descriptor) < 0 && errno != EINTR ? errno : 0;
-  return scripted ? scripted : error;
-}
+int closeDescriptor(int descriptor) noexcept { return closeAnnounced("close", descriptor); }
 
 } // namespace qvPlatform

@@ -1,0 +1,294 @@
+// Over Windows Sockets 2.2. Sockets are opened without overlapped transfers, so that they also serve as the
+// files that C streams read and write. A failed call leaves its number in `errno` too, as the C runtime's own
+// calls do.
+#include "Base/Platform/qvPlatformSocket.h"
+
+#include "Base/Platform/qvPlatformError.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace qvPlatform {
+namespace {
+
+SOCKET nativeOf(SocketHandle socket) noexcept { return static_cast<SOCKET>(socket); }
+
+// Announces the operation, then makes the call, which answers a negative value where it fails.
+template <class Call, class Result>
+int socketCall(const char* name, Call call, Result& result) noexcept {
+  for (;;) {
+    int error = beforeCall(name);
+    if (!error) {
+      result = call();
+      if (result >= 0) return 0;
+      error = errno = ::WSAGetLastError();
+    }
+    if (errorKind(error) != ErrorKind::interrupted) return error;
+  }
+}
+
+template <class Call>
+int socketCall(const char* name, Call call) noexcept {
+  int result = 0;
+  return socketCall(name, call, result);
+}
+
+const char* startFailureText(int number) noexcept {
+  switch (number) {
+  case WSAEFAULT:
+    return "internal application error";
+  case WSAEINPROGRESS:
+    return "operation in progress";
+  case WSAEPROCLIM:
+    return "internal limits exceeded";
+  case WSASYSNOTREADY:
+    return "system not ready";
+  case WSAVERNOTSUPPORTED:
+    return "version 2.2 not supported";
+  default:
+    return "unknown error";
+  }
+}
+
+bool startWindowsSockets() noexcept {
+  int number = beforeCall("WSAStartup");
+  WSADATA data;
+  if (!number) number = ::WSAStartup(MAKEWORD(2, 2), &data);
+  if (number) std::printf("Cannot initialize Windows Sockets: %s", startFailureText(number));
+  return number == 0;
+}
+
+int openStream(int family, int type, int protocol, SocketHandle* socket) noexcept {
+  const auto open = [&] {
+    return static_cast<SocketHandle>(
+        ::WSASocketA(family, type, protocol, nullptr, 0, WSA_FLAG_NO_HANDLE_INHERIT));
+  };
+  return socketCall("socket", open, *socket);
+}
+
+bool canOpen(int family) noexcept {
+  SocketHandle socket = noSocket;
+  if (openStream(family, SOCK_STREAM, 0, &socket)) return false;
+  ::closesocket(nativeOf(socket));
+  return true;
+}
+
+// `errorText` receives the text of a failure.
+int findAddresses(const char* host, const char* service, const addrinfo& hints, addrinfo** list,
+                  std::string* errorText) {
+  int number = beforeCall("getaddrinfo");
+  if (!number) number = ::getaddrinfo(host, service, &hints, list);
+  if (number && errorText) *errorText = systemErrorText(number);
+  return number;
+}
+
+template <class T>
+int setOption(SocketHandle socket, int level, int option, const T& value) noexcept {
+  const auto* const bytes = reinterpret_cast<const char*>(&value);
+  return socketCall("setsockopt",
+                    [&] { return ::setsockopt(nativeOf(socket), level, option, bytes, sizeof value); });
+}
+
+// Calls take no more at once.
+int lengthOf(std::size_t size) noexcept { return static_cast<int>(std::min<std::size_t>(size, INT_MAX)); }
+
+// Only waits where the set is empty, since `select` refuses that.
+int selectWithin(fd_set* set, std::chrono::microseconds limit, bool limited) noexcept {
+  if (set->fd_count == 0) {
+    ::Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(limit).count()));
+    return 0;
+  }
+  const auto microseconds = limit.count();
+  timeval time = {static_cast<long>(microseconds / 1'000'000), static_cast<long>(microseconds % 1'000'000)};
+  return ::select(0, set, nullptr, nullptr, limited ? &time : nullptr);
+}
+
+// Leaves those sockets in the set that are ready. Never ends before its time.
+int selectUntil(fd_set* set, std::int64_t limit) noexcept {
+  using std::chrono::steady_clock, std::chrono::microseconds;
+  constexpr microseconds none(0), most = std::chrono::hours(1);
+  // A limit beyond what the clock can add is as good as none.
+  const bool limited = limit >= 0 && limit < INT64_MAX / 4000;
+  const auto end = steady_clock::now() + microseconds(limited ? limit : 0);
+  const fd_set wanted = *set;
+  for (int ready = 0;;) {
+    *set = wanted;
+    const auto left = std::clamp(std::chrono::ceil<microseconds>(end - steady_clock::now()), none, most);
+    if (const int error = socketCall(
+            "poll", [&] { return selectWithin(set, left, limited); }, ready))
+      return error;
+    if (ready > 0 || (limited && steady_clock::now() >= end)) return 0;
+  }
+}
+
+} // namespace
+
+unsigned availableFamilies() noexcept {
+  if (!startWindowsSockets()) return 0;
+  return (canOpen(AF_INET) ? familyIPv4 : 0) | (canOpen(AF_INET6) ? familyIPv6 : 0);
+}
+
+bool isUnreachable(int number) noexcept { return number == WSAENETUNREACH || number == WSAECONNREFUSED; }
+
+bool isDottedNumber(const char* text) noexcept { return ::inet_addr(text) != INADDR_NONE; }
+
+Lookup lookUpHost(const char* host, HostForm form, std::string* text) {
+  addrinfo hints{};
+  hints.ai_family = AF_INET;
+  hints.ai_socktype = SOCK_STREAM;
+  addrinfo* list = nullptr;
+  int result = findAddresses(host, nullptr, hints, &list, text);
+  const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(list, freeAddressList);
+  const int flags = form == HostForm::name ? NI_NAMEREQD : NI_NUMERICHOST;
+  for (const addrinfo* entry = list; entry; entry = entry->ai_next) {
+    char buffer[NI_MAXHOST];
+    result = ::getnameinfo(entry->ai_addr, static_cast<socklen_t>(entry->ai_addrlen), buffer, sizeof buffer,
+                           nullptr, 0, flags);
+    *text = result ? systemErrorText(result) : buffer;
+    if (!result && buffer[0]) return Lookup::found;
+  }
+  return result == WSAHOST_NOT_FOUND ? Lookup::unknownHost : Lookup::failed;
+}
+
+addrinfo* addressList(const char* host, int port, bool passive, std::string* error) {
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = passive ? AI_PASSIVE : 0;
+  addrinfo* list = nullptr;
+  const std::string service = std::to_string(port);
+  return findAddresses(host, service.c_str(), hints, &list, error) ? nullptr : list;
+}
+
+void freeAddressList(addrinfo* list) noexcept {
+  if (list) ::freeaddrinfo(list);
+}
+
+const addrinfo* nextAddress(const addrinfo* entry) noexcept { return entry->ai_next; }
+
+int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
+  return openStream(entry->ai_family, entry->ai_socktype, entry->ai_protocol, socket);
+}
+
+int connectSocket(SocketHandle socket, const addrinfo* entry) noexcept {
+  const auto size = static_cast<int>(entry->ai_addrlen);
+  return socketCall("connect", [&] { return ::connect(nativeOf(socket), entry->ai_addr, size); });
+}
+
+int closeSocket(SocketHandle socket) noexcept {
+  const int scripted = beforeCall("closesocket");
+  const int error = ::closesocket(nativeOf(socket)) ? ::WSAGetLastError() : 0;
+  return scripted ? scripted : error;
+}
+
+int shutdownSocket(SocketHandle socket, SocketSide side) noexcept {
+  const int how = side == SocketSide::receive ? SD_RECEIVE : side == SocketSide::send ? SD_SEND : SD_BOTH;
+  return socketCall("shutdown", [&] { return ::shutdown(nativeOf(socket), how); });
+}
+
+int setLinger(SocketHandle socket, int seconds) noexcept {
+  linger value{};
+  value.l_onoff = 1;
+  value.l_linger = static_cast<u_short>(seconds);
+  return setOption(socket, SOL_SOCKET, SO_LINGER, value);
+}
+
+int setNoDelay(SocketHandle socket, bool on) noexcept {
+  return setOption(socket, IPPROTO_TCP, TCP_NODELAY, static_cast<BOOL>(on));
+}
+
+int receiveSome(SocketHandle socket, void* buffer, std::size_t size, std::size_t* count) noexcept {
+  int received = 0;
+  const auto receive = [&] {
+    return ::recv(nativeOf(socket), static_cast<char*>(buffer), lengthOf(size), 0);
+  };
+  const int error = socketCall("recv", receive, received);
+  *count = error ? 0 : static_cast<std::size_t>(received);
+  return error;
+}
+
+int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::size_t* count) noexcept {
+  int sent = 0;
+  const auto send = [&] {
+    return ::send(nativeOf(socket), static_cast<const char*>(buffer), lengthOf(size), 0);
+  };
+  const int error = socketCall("send", send, sent);
+  *count = error ? 0 : static_cast<std::size_t>(sent);
+  return error;
+}
+
+int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
+                 std::size_t* readyCount) noexcept {
+  if (readyCount) *readyCount = 0;
+  if ((count == 0 && microseconds < 0) || count > FD_SETSIZE) return WSAEINVAL;
+  fd_set set;
+  set.fd_count = static_cast<u_int>(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    set.fd_array[i] = nativeOf(sockets[i].socket);
+    sockets[i].ready = false;
+    if (sockets[i].socket == noSocket) return WSAENOTSOCK;
+  }
+  if (const int error = selectUntil(&set, microseconds)) return error;
+  std::size_t ready = 0;
+  for (std::size_t i = 0; i < count; ++i)
+    ready += sockets[i].ready = ::__WSAFDIsSet(nativeOf(sockets[i].socket), &set) != 0;
+  if (readyCount) *readyCount = ready;
+  return 0;
+}
+
+int socketEndpoint(SocketHandle socket, SocketEnd end, std::string* host, int* port) {
+  sockaddr_storage storage{};
+  int size = sizeof storage;
+  auto* address = reinterpret_cast<sockaddr*>(&storage);
+  const bool local = end == SocketEnd::local;
+  const int error = socketCall(local ? "getsockname" : "getpeername", [&] {
+    return local ? ::getsockname(nativeOf(socket), address, &size)
+                 : ::getpeername(nativeOf(socket), address, &size);
+  });
+  if (error) return error;
+  char hostText[NI_MAXHOST], portText[NI_MAXSERV];
+  if (const int number = ::getnameinfo(address, size, hostText, sizeof hostText, portText, sizeof portText,
+                                       NI_NUMERICHOST | NI_NUMERICSERV))
+    return number;
+  *host = hostText;
+  *port = std::atoi(portText);
+  return 0;
+}
+
+// The duplicate is a file of the C runtime, which closes it as a handle. So it is made as a handle as well:
+// of a duplicate that Windows Sockets made, it would keep its own record for ever.
+int duplicateSocket(SocketHandle socket, int* descriptor) noexcept {
+  if (const int error = beforeCall("dup")) return error;
+  HANDLE duplicate = nullptr;
+  const HANDLE process = ::GetCurrentProcess();
+  if (!::DuplicateHandle(process, reinterpret_cast<HANDLE>(socket), process, &duplicate, 0, FALSE,
+                         DUPLICATE_SAME_ACCESS))
+    return static_cast<int>(::GetLastError());
+  *descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(duplicate), _O_RDWR | _O_NOINHERIT);
+  if (*descriptor >= 0) return 0;
+  ::CloseHandle(duplicate);
+  return ERROR_TOO_MANY_OPEN_FILES;
+}
+
+int openSocketStream(int descriptor, std::FILE** stream) noexcept {
+  if (const int error = beforeCall("fdopen")) return error;
+  *stream = ::_fdopen(descriptor, "rb+");
+  return *stream ? 0 : ERROR_TOO_MANY_OPEN_FILES;
+}
+
+int closeDescriptor(int descriptor) noexcept {
+  const int scripted = beforeCall("close");
+  const int error = ::_close(descriptor) ? ERROR_INVALID_HANDLE : 0;
+  return scripted ? scripted : error;
+}
+
+} // namespace qvPlatform
