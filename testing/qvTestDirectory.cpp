@@ -1,6 +1,5 @@
 #include "testing/qvTestDirectory.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,7 +13,7 @@ namespace fs = std::filesystem;
 namespace qvTest {
 
 std::string fileBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(fs::path(path), std::ios::binary);
   if (!file) return "<missing>";
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -24,7 +23,7 @@ Directory::Directory() : Directory(fs::temp_directory_path().string()) {}
 Directory::Directory(const std::string& parent) {
   std::random_device random;
   for (int attempt = 0; attempt < 100; ++attempt) {
-    path_ = parent + "/qvtest" + std::to_string(random());
+    path_ = (fs::path(parent) / ("qvtest" + std::to_string(random()))).string();
     if (fs::create_directory(path_)) return;
   }
   throw std::runtime_error("no scratch directory");
@@ -42,10 +41,12 @@ Directory::~Directory() {
   fs::remove_all(path_, ignored);
 }
 
-std::string Directory::path(std::string_view name) const { return path_ + "/" + std::string(name); }
+std::string Directory::path(std::string_view name) const {
+  return (fs::path(path_) / name).make_preferred().string();
+}
 
 std::string Directory::write(std::string_view name, std::string_view content) const {
-  std::ofstream file(path(name), std::ios::binary);
+  std::ofstream file(fs::path(path(name)), std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size())).flush();
   if (!file) throw std::runtime_error("cannot write " + path(name));
   return path(name);
@@ -59,14 +60,5 @@ int Directory::entries() const {
   return static_cast<int>(
       std::distance(fs::recursive_directory_iterator(path_), fs::recursive_directory_iterator()));
 }
-
-TemporaryPlace::TemporaryPlace(const std::string& path) {
-  if (const char* const before = std::getenv("TMPDIR")) before_ = before;
-  set(path);
-}
-
-TemporaryPlace::~TemporaryPlace() { before_ ? set(*before_) : void(::unsetenv("TMPDIR")); }
-
-void TemporaryPlace::set(const std::string& path) { ::setenv("TMPDIR", path.c_str(), 1); }
 
 } // namespace qvTest

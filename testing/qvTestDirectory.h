@@ -1,7 +1,8 @@
 // A scratch directory for one test.
 #pragma once
 
-#include <optional>
+#include "testing/qvTestEnvironment.h"
+
 #include <string>
 #include <string_view>
 
@@ -42,15 +43,12 @@ private:
 /// Tells the process another directory for temporary files, until it goes.
 class TemporaryPlace {
 public:
-  explicit TemporaryPlace(const std::string& path);
-  ~TemporaryPlace();
-  TemporaryPlace(const TemporaryPlace&) = delete;
-  TemporaryPlace& operator=(const TemporaryPlace&) = delete;
+  explicit TemporaryPlace(const std::string& path) : variable_(temporaryPlaceVariable, path.c_str()) {}
 
-  void set(const std::string& path);
+  void set(const std::string& path) { variable_.set(path.c_str()); }
 
 private:
-  std::optional<std::string> before_;
+  Environment variable_;
 };
 
 } // namespace qvTest

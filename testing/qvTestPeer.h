@@ -11,11 +11,15 @@ namespace qvTest {
 /// Whether this machine has the IPv6 loopback.
 [[nodiscard]] bool hasIPv6();
 
-/// The least number that the next descriptor of this process gets: unchanged where nothing leaked.
-[[nodiscard]] int nextDescriptor();
+/// A number that stays as it is unless a socket or a descriptor of one leaks.
+[[nodiscard]] int descriptorMark();
 
-/// Whether a started program does not inherit the descriptor.
-[[nodiscard]] bool closesOnExec(std::intptr_t descriptor);
+/// Whether a started program does not inherit the socket, or the descriptor of one.
+[[nodiscard]] bool closesOnExec(std::intptr_t socket);
+[[nodiscard]] bool descriptorClosesOnExec(int descriptor);
+
+/// The system's number for a network that cannot be reached.
+extern const int unreachableNumber;
 
 /// Whether small writes go out at once.
 [[nodiscard]] bool hasNoDelay(std::intptr_t socket);
@@ -26,7 +30,7 @@ namespace qvTest {
 /// One accepted connection, closed with the object.
 class Peer {
 public:
-  explicit Peer(int descriptor) : descriptor_(descriptor) {}
+  explicit Peer(std::intptr_t socket) : socket_(socket) {}
   ~Peer() { close(); }
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
@@ -41,7 +45,7 @@ public:
   void reset();
 
 protected:
-  int descriptor_;
+  std::intptr_t socket_;
 };
 
 /// Holds a port of the loopback, `port` or one that the system chooses, on which connections are refused.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cwctype>
 #include <iterator>
 
@@ -12,7 +13,7 @@ namespace {
 int code(char c) noexcept { return static_cast<unsigned char>(c); }
 std::wint_t code(qv::WChar c) noexcept { return static_cast<std::wint_t>(c); }
 
-qv::WChar mapped(std::wint_t to, qv::WChar from) noexcept {
+qv::WChar mapped(std::uint32_t to, qv::WChar from) noexcept {
   return to <= 0xFFFF ? static_cast<qv::WChar>(to) : from;
 }
 

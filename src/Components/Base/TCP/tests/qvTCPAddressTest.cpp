@@ -2,12 +2,13 @@
 
 #include "Base/Platform/qvPlatformSocket.h"
 #include "Base/TCP/qvTCPSocketImpl.h"
+#include "testing/qvTestEnvironment.h"
 #include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -109,13 +110,12 @@ TEST(TCPFamilies, ObeyTheEnvironment) {
               {__LINE__, true, true, six ? six : qvPlatform::familyIPv4}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
-    if (row.ipv4Only) setenv("QV_IPV4_ONLY", "", 1);
-    if (row.ipv6Only) setenv("QV_IPV6_ONLY", "0", 1);
+    std::optional<qvTest::Environment> fourOnly, sixOnly;
+    if (row.ipv4Only) fourOnly.emplace("QV_IPV4_ONLY", "0"); // whatever the value is
+    if (row.ipv6Only) sixOnly.emplace("QV_IPV6_ONLY", "0");
     qvTCP::socketsStarted = false;
     qvTCP::startSockets();
     EXPECT_EQ(qvTCP::protocolFamilies, row.expected);
-    unsetenv("QV_IPV4_ONLY");
-    unsetenv("QV_IPV6_ONLY");
   }
   qvTest::PlatformScript script;
   script.failCall(1, EAFNOSUPPORT, "socket");

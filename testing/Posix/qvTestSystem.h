@@ -1,0 +1,56 @@
+// What test support asks of the system, in the form that is the same everywhere. Private.
+#pragma once
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+
+namespace qvTest::system {
+
+// ---- The environment ----
+
+inline constexpr const char* temporaryPlaceVariable = "TMPDIR";
+inline void setVariable(const char* name, const char* value) { ::setenv(name, value, 1); }
+inline void removeVariable(const char* name) { ::unsetenv(name); }
+
+// ---- Descriptors ----
+
+inline void openPipe(int* ends) { (void)::pipe2(ends, O_NONBLOCK | O_CLOEXEC); }
+
+// ---- Sockets ----
+
+inline constexpr int unreachableNumber = ENETUNREACH;
+
+inline int handleOf(std::intptr_t socket) { return static_cast<int>(socket); }
+
+inline std::intptr_t openSocket(int family) { return ::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0); }
+inline void closeSocket(std::intptr_t socket) { ::close(handleOf(socket)); }
+inline std::intptr_t acceptSocket(std::intptr_t socket) {
+  return ::accept4(handleOf(socket), nullptr, nullptr, SOCK_CLOEXEC);
+}
+/// Waits ten seconds at most.
+inline bool waitReadable(std::intptr_t socket) {
+  pollfd entry{handleOf(socket), POLLIN, 0};
+  return ::poll(&entry, 1, 10'000) > 0;
+}
+inline constexpr int noSignal = MSG_NOSIGNAL;
+
+inline bool isInherited(std::intptr_t socket) { return ::fcntl(handleOf(socket), F_GETFD) != FD_CLOEXEC; }
+inline bool isDescriptorInherited(int descriptor) { return isInherited(descriptor); }
+
+/// The least number that the next descriptor gets: unchanged where nothing leaked.
+inline int descriptorMark() {
+  const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  ::close(descriptor);
+  return descriptor;
+}
+
+} // namespace qvTest::system
