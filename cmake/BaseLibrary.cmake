@@ -16,20 +16,30 @@ target_link_libraries(BaseBuild PRIVATE BaseFlags)
 target_compile_definitions(BaseBuild PRIVATE QV_BASE_BUILD)
 list(APPEND objects $<TARGET_OBJECTS:BaseBuild>)
 
-add_library(Base SHARED ${objects})
+get_property(systemLibraries GLOBAL PROPERTY BASE_SYSTEM_LIBRARIES)
+get_property(resource GLOBAL PROPERTY BASE_RESOURCE)
+set(resources)
+if(resource) # what the system shows of the library's file
+  enable_language(RC)
+  set(resources ${CMAKE_CURRENT_BINARY_DIR}/qvPlatformVersion.rc)
+  configure_file(${resource} ${resources} @ONLY)
+endif()
+
+add_library(Base SHARED ${objects} ${resources})
 add_library(Base::Base ALIAS Base)
 set_target_properties(Base PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 target_compile_features(Base PUBLIC cxx_std_20)
 if(NOT WIN32 AND NOT BASE_SANITIZE) # the sanitizers' runtime is left to the program
   target_link_options(Base PRIVATE -Wl,-z,defs -Wl,-Bsymbolic-functions)
 endif()
-target_link_libraries(Base PRIVATE $<BUILD_INTERFACE:BaseFlags>)
+target_link_libraries(Base PRIVATE $<BUILD_INTERFACE:BaseFlags> ${systemLibraries})
 target_include_directories(Base PUBLIC
   $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src/Components> $<INSTALL_INTERFACE:include>)
 
 add_library(BaseStatic STATIC EXCLUDE_FROM_ALL ${objects})
 set_target_properties(BaseStatic PROPERTIES LINKER_LANGUAGE CXX)
 target_include_directories(BaseStatic PUBLIC ${CMAKE_SOURCE_DIR}/src/Components)
+target_link_libraries(BaseStatic INTERFACE ${systemLibraries})
 target_compile_definitions(BaseStatic INTERFACE QV_BASE_STATIC)
 
 include(BaseInstall)

@@ -3,7 +3,6 @@
 
 #include "Base/Platform/qvPlatformCall.h"
 
-#include <cerrno>
 #include <string>
 
 namespace qvPlatform {
@@ -13,7 +12,7 @@ namespace qvPlatform {
 enum class ErrorKind {
   none,
   notFound,     ///< No such file: number 2.
-  notDirectory, ///< A name on the way is not a directory. See `isNotFound`.
+  notDirectory, ///< A directory on the way is none or, where the system tells that apart, missing: number 3.
   exists,       ///< The name is taken: number 80, and 17 as a runtime's number.
   notEmpty,     ///< The directory holds entries: number 41 as a runtime's number.
   denied, ///< Permissions, ownership or a read-only file system forbid it: number 13 as a runtime's number.
@@ -41,8 +40,12 @@ enum class ErrorKind {
 /// that the system does not know gives a text that says so.
 [[nodiscard]] std::string systemErrorText(int number);
 
+/// The number of the call of the system that failed last in this thread.
+[[nodiscard]] int lastError() noexcept;
+
 /// Announces the operation `name`, then makes the call, again as long as a signal interrupts it. `call`
-/// answers a negative value and sets `errno` where it fails; its last answer is stored in `result`.
+/// answers a negative value and leaves a number for `lastError` where it fails; its last answer is stored in
+/// `result`.
 /// @return 0, or the system's number.
 template <class Call, class Result>
 [[nodiscard]] int retryCall(const char* name, Call call, Result& result) noexcept {
@@ -51,9 +54,9 @@ template <class Call, class Result>
     if (!error) {
       result = call();
       if (result >= 0) return 0;
-      error = errno;
+      error = lastError();
     }
-    if (error != EINTR) return error;
+    if (errorKind(error) != ErrorKind::interrupted) return error;
   }
 }
 

@@ -5,6 +5,7 @@
 #include "Base/Platform/qvPlatformFile.h"
 
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>

@@ -1,5 +1,6 @@
 #include "Base/Platform/qvPlatformError.h"
 
+#include <errno.h>
 #include <string.h>
 
 namespace qvPlatform {
@@ -51,6 +52,8 @@ int errorNumber(ErrorKind kind) noexcept {
 }
 
 bool isNotFound(int number) noexcept { return number == ENOENT || number == ENOTDIR; }
+
+int lastError() noexcept { return errno; }
 
 std::string systemErrorText(int number) {
   char buffer[256] = "";

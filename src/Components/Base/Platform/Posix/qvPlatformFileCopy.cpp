@@ -4,6 +4,7 @@
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformFile.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,20 +1,16 @@
-// Open files: bytes in and out.
+// Open files.
 #include "Base/Platform/Posix/qvPlatformDescriptor.h"
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformFile.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-
 namespace qvPlatform {
 
 namespace {
-
-/// The system moves at most 2 GiB less a page in one call.
-constexpr std::size_t largestTransfer = std::size_t(1) << 30;
 
 constexpr mode_t newFilePermissions = 0666;
 constexpr mode_t privateFilePermissions = 0600;
@@ -32,22 +28,6 @@ int systemFlags(unsigned flags) {
 bool isDirectory(int descriptor) {
   struct stat status;
   return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-/// Moves the bytes in as many calls as it takes. `transfer` gets what is done so far and how much to ask for.
-template <class Transfer>
-int transferAll(const char* name, std::size_t size, std::size_t* count, Transfer transfer) {
-  std::size_t done = 0;
-  int error = 0;
-  while (done < size) {
-    ssize_t moved = 0;
-    error = retryCall(
-        name, [&] { return transfer(done, std::min(size - done, largestTransfer)); }, moved);
-    if (error || moved == 0) break;
-    done += static_cast<std::size_t>(moved);
-  }
-  if (count) *count = done;
-  return error;
 }
 
 int systemOrigin(SeekFrom from) {
@@ -91,21 +71,6 @@ int closeFile(FileHandle file) noexcept {
   // An interrupted close has closed nonetheless; a second one could hit a descriptor that another thread
   // opened.
   return error == EINTR ? 0 : error;
-}
-
-int readFile(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept {
-  return transferAll("read", size, count, [&](std::size_t done, std::size_t wanted) {
-    return ::read(descriptorOf(file), static_cast<char*>(buffer) + done, wanted);
-  });
-}
-
-int writeFile(FileHandle file, const void* buffer, std::size_t size, std::size_t* count) noexcept {
-  std::size_t written = 0;
-  const int error = transferAll("write", size, &written, [&](std::size_t done, std::size_t wanted) {
-    return ::write(descriptorOf(file), static_cast<const char*>(buffer) + done, wanted);
-  });
-  if (count) *count = written;
-  return !error && written < size ? EIO : error;
 }
 
 int seekFile(FileHandle file, std::int64_t offset, SeekFrom from, std::int64_t* position) noexcept {

@@ -4,6 +4,7 @@
 #include "Base/Platform/qvPlatformFile.h"
 #include "Base/Platform/qvPlatformProcess.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <grp.h>
 #include <pwd.h>

@@ -3,6 +3,7 @@
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformFile.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <stdio.h>

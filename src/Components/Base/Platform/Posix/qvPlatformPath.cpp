@@ -2,6 +2,7 @@
 
 #include "Base/Platform/qvPlatformError.h"
 
+#include <errno.h>
 #include <stdlib.h>
 #include <unistd.h>
 

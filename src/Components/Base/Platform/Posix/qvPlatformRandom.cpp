@@ -1,12 +1,10 @@
 #include "Base/Platform/qvPlatformRandom.h"
 
 #include "Base/Platform/qvPlatformError.h"
-#include "Base/Platform/qvPlatformTime.h"
 
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 
 namespace qvPlatform {
 
@@ -19,16 +17,6 @@ int randomBytes(void* buffer, std::size_t size) noexcept {
       return error;
   }
   return 0;
-}
-
-std::uint64_t randomName() noexcept {
-  std::uint64_t bits = 0;
-  if (!randomBytes(&bits, sizeof bits)) return bits;
-  static std::atomic<std::uint64_t> counter{0};
-  constexpr std::uint64_t spread =
-      0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio, to mix low bits up.
-  bits = static_cast<std::uint64_t>(nanosecondsNow()) ^ (++counter * spread);
-  return (bits ^ (bits >> 29)) * spread;
 }
 
 } // namespace qvPlatform

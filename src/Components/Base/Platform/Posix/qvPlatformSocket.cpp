@@ -3,6 +3,7 @@
 #include "Base/Platform/qvPlatformError.h"
 
 #include <arpa/inet.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>

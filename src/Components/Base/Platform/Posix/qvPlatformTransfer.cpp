@@ -3,11 +3,17 @@
 #include "Base/Platform/Posix/qvPlatformDescriptor.h"
 #include "Base/Platform/qvPlatformError.h"
 
+#include <errno.h>
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace qvPlatform {
 namespace {
+
+/// The system moves at most 2 GiB less a page in one call.
+constexpr std::size_t largestTransfer = std::size_t(1) << 30;
 
 /// Repeats `transfer` as long as the descriptor has nothing for it.
 template <class Transfer>
@@ -30,13 +36,15 @@ FileHandle fileOfDescriptor(int descriptor) noexcept { return descriptor; }
 int readSome(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept {
   const int descriptor = descriptorOf(file);
   return transferSome(
-      "read", descriptor, POLLIN, [=] { return read(descriptor, buffer, size); }, count);
+      "read", descriptor, POLLIN, [=] { return read(descriptor, buffer, std::min(size, largestTransfer)); },
+      count);
 }
 
 int writeSome(FileHandle file, const void* buffer, std::size_t size, std::size_t* count) noexcept {
   const int descriptor = descriptorOf(file);
   return transferSome(
-      "write", descriptor, POLLOUT, [=] { return write(descriptor, buffer, size); }, count);
+      "write", descriptor, POLLOUT,
+      [=] { return write(descriptor, buffer, std::min(size, largestTransfer)); }, count);
 }
 
 } // namespace qvPlatform
