@@ -484,6 +484,16 @@ std::size_t formatText(qv::WChar* buffer, std::size_t size, const qv::WChar* for
   return run(buffer, size, format, args);
 }
 
+std::size_t formatWithoutArguments(char* buffer, std::size_t size, const char* format) noexcept {
+  Output<char> out(buffer, size);
+  for (const char* p = format ? format : ""; *p; ++p) {
+    if (p[0] == '%' && p[1] == '%') ++p; // no other directive holds a second percent sign
+    out.put(*p);
+  }
+  out.terminate(size);
+  return out.count();
+}
+
 const qv::WChar* plainLetter(const qv::WChar* p) noexcept {
   const auto skipDigits = [&p] {
     while (*p >= '0' && *p <= '9') ++p;

@@ -15,6 +15,11 @@ namespace qvString {
 std::size_t formatText(char* buffer, std::size_t size, const char* format, va_list args) noexcept;
 std::size_t formatText(qv::WChar* buffer, std::size_t size, const qv::WChar* format, va_list args) noexcept;
 
+/// Reads a text as a format for which there are no arguments: `%%` is printed as `%`, and every other
+/// directive as it stands.
+/// @return the length of the whole text, as above.
+std::size_t formatWithoutArguments(char* buffer, std::size_t size, const char* format) noexcept;
+
 /// The letter of a directive that stands between `afterPercent` and it nothing but one `-`, a width, a dot
 /// and a precision, all optional. Any other character where there is something else.
 const qv::WChar* plainLetter(const qv::WChar* afterPercent) noexcept;

@@ -288,6 +288,23 @@ TEST_F(Format, UnknownDirectivesStand) {
   EXPECT_EQ(narrow(nullptr), "");
 }
 
+TEST_F(Format, WithoutArgumentsOnlyPercentSignsChange) {
+  const struct {
+    int line;
+    const char *format, *text;
+  } rows[] = {{__LINE__, "%s %n%-*.3I64d", "%s %n%-*.3I64d"},
+              {__LINE__, "100%", "100%"},
+              {__LINE__, "%%%%%d%%", "%%%d%"},
+              {__LINE__, "%5%%s", "%5%s"},
+              {__LINE__, nullptr, ""}};
+  for (const auto& row : rows) {
+    char buffer[4] = "???";
+    const std::string text = row.text;
+    EXPECT_EQ(qvString::formatWithoutArguments(buffer, sizeof buffer, row.format), text.size()) << row.line;
+    EXPECT_EQ(buffer, text.substr(0, 3)) << row.line;
+  }
+}
+
 TEST_F(Format, FullBufferCountsAsTooLong) {
   for (std::size_t size = 0; size < 8; ++size) {
     std::string buffer(9, '#');

@@ -1,0 +1,154 @@
+#include "Base/Undo/qvUndoGroupImpl.h"
+
+#include "Base/Undo/qvUndoCommand.h"
+#include "Base/Undo/qvUndoDetail.h"
+#include "Base/Undo/qvUndoManager.h"
+#include "Base/Undo/qvUndoReport.h"
+
+#include <utility>
+
+namespace qvUndo {
+
+/// Keeps the group in memory while its commands run; one that was released meanwhile goes with the last of
+/// these.
+class GroupImpl::Running {
+public:
+  explicit Running(GroupImpl* group) noexcept : group_(group) { ++group_->numRunning_; }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running() {
+    if (--group_->numRunning_ == 0 && group_->deleteWhenIdle_) delete group_;
+  }
+
+private:
+  GroupImpl* group_;
+};
+
+GroupImpl::GroupImpl(Manager* manager, const char* name)
+    : Group(manager), number_(manager->nextGroupNumber()), manager_(manager), name_(copyOfName(name)) {
+  qvUndoReport("  qvUndo::Group: new group (%s)\n", name);
+}
+
+// Whatever is called here may come back to the group by way of the manager: it finds a group that is leaving,
+// and never a command that is gone.
+GroupImpl::~GroupImpl() {
+  leaving_ = true;
+  deleteWhenIdle_ = false;
+  qvUndoReport("  qvUndo::Group: delete group (%s) - %d bytes\n", name_.get(), GroupImpl::numBytesUsed());
+  manager_->sigActive.emit(true);
+  while (!commands_.empty()) deleteCommands();
+  sigDestroyed.emit(this);
+  name_.reset();
+  manager_->sigActive.emit(false);
+}
+
+void GroupImpl::deleteCommands() {
+  for (int i = 0; i < commands_.size(); ++i) commands_[i]->commit();
+  qv::vector<Command*> commands;
+  commands.swap(commands_);
+  for (Command* command : commands) delete command;
+}
+
+bool GroupImpl::release() {
+  if (leaving_) return false;
+  leaving_ = true;
+  deleteWhenIdle_ = numRunning_ != 0;
+  if (deleteWhenIdle_) return false;
+  delete this;
+  return true;
+}
+
+bool GroupImpl::doIt() {
+  qvUndoReport("  + qvUndo::Group: doIt() - (%s) %d commands %d bytes.\n", name_.get(), numCommands(),
+               numBytesUsed());
+  if (!isValid()) {
+    qvUndoReport("  ! qvUndo::Group: doIt() - (%s) invalid group.\n", name_.get());
+    return false;
+  }
+  if (lastWasDoIt()) return true;
+  const Running running(this);
+  for (int i = 0; i < commands_.size(); ++i) {
+    if (commands_[i]->doIt()) continue;
+    qvUndoReport("  ! qvUndo::Group: 'do' of command %d (%s) returnedfailure status\n", i,
+                 commands_[i]->getName());
+    return markInvalid();
+  }
+  stateDone();
+  return true;
+}
+
+bool GroupImpl::undoIt() {
+  qvUndoReport("  - qvUndo::Group: undoIt() - (%s) %d commands %d bytes.\n", name_.get(), numCommands(),
+               numBytesUsed());
+  if (!isValid()) {
+    qvUndoReport("  ! qvUndo::Group: undoIt() - (%s) invalid group.\n", name_.get());
+    return false;
+  }
+  if (lastWasUndoIt()) return true;
+  const Running running(this);
+  for (int i = commands_.size() - 1; i >= 0; --i) {
+    if (commands_[i]->undoIt()) continue;
+    qvUndoReport("  ! qvUndo::Group: 'undo' of command %d (%s) returnedfailure status\n", i,
+                 commands_[i]->getName());
+    return markInvalid();
+  }
+  stateUndone();
+  return true;
+}
+
+/// @return false, for the one who failed.
+bool GroupImpl::markInvalid() {
+  qvUndoReport("  ! qvUndo::Group: marking group (%s) invalid.\n", name_.get());
+  stateInvalid();
+  return false;
+}
+
+void GroupImpl::addCommand(Command* command) {
+  if (!command) return;
+  if (command->getID() == 0) return command->addToGroup(this); // which comes back with a number
+  onChange();
+  commands_.append(command);
+}
+
+Command* GroupImpl::getCommand(int position) const {
+  return position >= 0 && position < commands_.size() ? commands_[position] : nullptr;
+}
+
+int GroupImpl::numCommands() const { return commands_.size(); }
+
+int GroupImpl::numBytesUsed() const {
+  std::int64_t sum = 0;
+  for (const Command* command : commands_) sum += command->getNumBytesUsed();
+  return byteCount(sum);
+}
+
+const char* GroupImpl::getName() const { return name_.get(); }
+
+int GroupImpl::getNumber() const { return number_; }
+
+int GroupImpl::nextCommandId() { return lastCommandId_ = numberAfter(lastCommandId_); }
+
+void GroupImpl::setDeletable(bool deletable) { deletable_ = deletable; }
+
+bool GroupImpl::isDeletable() const { return deletable_; }
+
+bool GroupImpl::isDynamic() const { return dynamic_; }
+
+void GroupImpl::setDynamic(bool dynamic) { dynamic_ = dynamic; }
+
+void GroupImpl::declarePointer(void* object) {
+  if (object) pointers_.insert(object);
+}
+
+bool GroupImpl::hasPointer(void* object) const { return pointers_.contains(object); }
+
+void GroupImpl::pointerDestroyed(void* object) {
+  if (!hasPointer(object)) return;
+  qvUndoReport("!   qvUndo::Group: pointer 0x%p declared by group has been destroyed\n", object);
+  qvUndoReport("!   qvUndo::Group: marking group (%s) invalid.\n", name_.get());
+  stateInvalid();
+}
+
+void GroupImpl::onChange() {}
+
+} // namespace qvUndo
