@@ -37,18 +37,19 @@ private:
 /// Gives a line another text. The way back is the same exchange.
 class ChangeLine : public qvUndo::Command {
 public:
-  ChangeLine(qvUndo::Group* group, std::string& line, std::string text)
-      : Command(group, "change line"), line_(line), other_(std::move(text)) {}
+  ChangeLine(qvUndo::Group* group, Document& document, std::size_t line, std::string text)
+      : Command(group, "change line"), document_(document), line_(line), other_(std::move(text)) {}
 
   bool doAction() override {
-    line_.swap(other_);
+    document_[line_].swap(other_);
     return true;
   }
   bool undoAction() override { return doAction(); }
   int getNumBytesUsed() const override { return static_cast<int>(sizeof *this + other_.capacity()); }
 
 private:
-  std::string& line_;
+  Document& document_;
+  std::size_t line_;
   std::string other_;
 };
 
@@ -60,11 +61,11 @@ void type(qvUndo::Manager& undo, Document& document, const char* line) {
 
 void replaceAll(qvUndo::Manager& undo, Document& document, const std::string& from, const std::string& to) {
   bool chained = false; // the first group starts the chain, the others are tied to it
-  for (std::string& line : document) {
-    const std::size_t place = line.find(from);
+  for (std::size_t line = 0; line < document.size(); ++line) {
+    const std::size_t place = document[line].find(from);
     if (place == std::string::npos) continue;
     qvUndo::Group* group = undo.newGroup("replace", chained);
-    new ChangeLine(group, line, std::string(line).replace(place, from.size(), to));
+    new ChangeLine(group, document, line, std::string(document[line]).replace(place, from.size(), to));
     group->doIt();
     chained = true;
   }
