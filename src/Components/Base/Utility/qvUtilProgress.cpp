@@ -1,0 +1,7 @@
+#include "Base/Utility/qvUtilProgress.h"
+
+namespace qvUtil {
+
+Progress::~Progress() = default;
+
+} // namespace qvUtil
