@@ -14,8 +14,8 @@ namespace qvThread {
 /// A queue made while no `Pool` with workers is installed runs all tasks in the thread that uses it, as the
 /// queue without threads does; `getNumThreads` is 1 then.
 ///
-/// On a cancellation, tasks that workers already have are still executed, all others are not, and none is asked
-/// for children any more; all are deleted.
+/// On a cancellation, tasks that workers already have are still executed, all others are not, and none is
+/// asked for children any more; all are deleted.
 ///
 /// A copy is a second view of the same queue. It owns nothing, and is good only while the original lives.
 class QV_BASE_API TaskQueue final : public qvUtil::ThreadedTaskQueue {

@@ -6,8 +6,8 @@
 
 namespace qvUtil {
 
-/// From `xMin` up to, and without, `xMax`, and so in `y`. Empty unless both have a length above 0; the default
-/// is empty.
+/// From `xMin` up to, and without, `xMax`, and so in `y`. Empty unless both have a length above 0; the
+/// default is empty.
 struct IntRange2d {
   std::int32_t xMin = 0;
   std::int32_t yMin = 0;

@@ -29,8 +29,8 @@ private:
   friend void sortOrdering(Ordering& ordering, const T* elements, std::uint64_t count,
                            std::type_identity_t<bool (*)(const T&, const T&)> less);
 
-  /// The indexes 0 to `count - 1`. Throws as an exhausted heap does where there is no memory or where an index
-  /// would not fit; there are none then.
+  /// The indexes 0 to `count - 1`. Throws as an exhausted heap does where there is no memory or where an
+  /// index would not fit; there are none then.
   QV_BASE_API void resize(std::uint64_t count);
 
   std::unique_ptr<std::int32_t[]> indexes_;

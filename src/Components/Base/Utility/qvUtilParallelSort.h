@@ -63,7 +63,9 @@ template <class It, class Predicate>
 class SMPSortMerge : public ThreadedAlg {
 public:
   SMPSortMerge(It begin, It end, Predicate predicate)
-      : begin_(begin), end_(end), scratch_(new Value[static_cast<std::size_t>(end - begin)]),
+      : begin_(begin),
+        end_(end),
+        scratch_(new Value[static_cast<std::size_t>(end - begin)]),
         predicate_(predicate) {}
 
   void execute(int threadIndex, int) override {
@@ -117,12 +119,13 @@ private:
   Predicate predicate_;
 };
 
-/// Sorts a range of copyable elements on the installed thread pool, or in this thread where that has one thread
-/// only. Not stable. `less` is copied and called by two threads at once, and may do parallel work itself.
+/// Sorts a range of copyable elements on the installed thread pool, or in this thread where that has one
+/// thread only. Not stable. `less` is copied and called by two threads at once, and may do parallel work
+/// itself.
 ///
-/// A comparison that is no strict weak order gives any order, in which elements may even be doubled or missing,
-/// and reads nothing outside the range. Throws as an exhausted heap does where there is no memory for a copy of
-/// the range; the range then holds all its elements in some order.
+/// A comparison that is no strict weak order gives any order, in which elements may even be doubled or
+/// missing, and reads nothing outside the range. Throws as an exhausted heap does where there is no memory
+/// for a copy of the range; the range then holds all its elements in some order.
 template <std::random_access_iterator It, class Less>
 void parallelSort(It begin, It end, Less less) {
   ThreadPool* const pool = ThreadPool::get();
@@ -133,9 +136,9 @@ void parallelSort(It begin, It end, Less less) {
   pool->execute(merge);
 }
 
-/// Makes the order in which `count` elements, which stay as they are, are sorted. `less` is called by two threads
-/// at once. Throws as an exhausted heap does where there is no memory, or where there are more than 2^31 - 1
-/// elements.
+/// Makes the order in which `count` elements, which stay as they are, are sorted. `less` is called by two
+/// threads at once. Throws as an exhausted heap does where there is no memory, or where there are more than
+/// 2^31 - 1 elements.
 template <class T>
 void sortOrdering(Ordering& ordering, const T* elements, std::uint64_t count,
                   std::type_identity_t<bool (*)(const T&, const T&)> less) {

@@ -58,7 +58,8 @@ template <class It, class Less>
 It choosePivot(It first, It last, const Less& less) {
   const std::ptrdiff_t eighth = (last - first) / 8;
   const auto near = [&](std::ptrdiff_t middle) {
-    return median(first + (middle - 1) * eighth, first + middle * eighth, first + (middle + 1) * eighth, less);
+    return median(first + (middle - 1) * eighth, first + middle * eighth, first + (middle + 1) * eighth,
+                  less);
   };
   return eighth < 16 ? median(first, first + 4 * eighth, last - 1, less)
                      : median(near(1), near(4), near(7), less);
@@ -114,7 +115,8 @@ void quickSort(It begin, It first, It last, std::uint64_t budget, const Less& le
 /// order gives any order, and reads nothing outside the range.
 ///
 /// Quick sort (the partition of N. Lomuto without branches), heap sort where that goes badly, insertion sort
-/// for few elements. Cost: n log n comparisons at worst, n where all are equal; as much stack as log n levels.
+/// for few elements. Cost: n log n comparisons at worst, n where all are equal; as much stack as log n
+/// levels.
 template <std::random_access_iterator It, class Less>
 void serialSort(It first, It last, const Less& less) {
   detail::quickSort(first, first, last, static_cast<std::uint64_t>(last - first), less);

@@ -19,14 +19,15 @@ class QV_BASE_API ThreadedAlgBase {
 public:
   virtual ~ThreadedAlgBase();
 
-  /// @{ The items, of `total`, that part `part` of `parts` begins with and ends before. All parts have the same
-  /// number of items, but for the first `total % parts` ones, which have one more. `part` lies from 0 to
+  /// @{ The items, of `total`, that part `part` of `parts` begins with and ends before. All parts have the
+  /// same number of items, but for the first `total % parts` ones, which have one more. `part` lies from 0 to
   /// `parts - 1`. With no parts, which is the caller's mistake, the answer is 0.
   [[nodiscard]] static int getBeginIndex(int part, int parts, int total) noexcept;
   [[nodiscard]] static int getEndIndex(int part, int parts, int total) noexcept;
   /// @}
 
-  /// Sets whom to ask and to tell; null for nobody. Not while the algorithm runs. The object stays the caller's.
+  /// Sets whom to ask and to tell; null for nobody. Not while the algorithm runs. The object stays the
+  /// caller's.
   void setProgress(Progress* progress) noexcept { progress_ = progress; }
   /// Whether to stop. Asks the progress object in thread 0, and remembers a yes for all threads and for good.
   [[nodiscard]] bool cancelled(int threadIndex);
@@ -67,8 +68,8 @@ public:
   virtual void finalize();
 };
 
-/// An algorithm in chunks, which the threads of a pool take in rising order, each the next one as soon as it is
-/// free. For chunks that take unequal time. For the rest it is like a `ThreadedAlg`.
+/// An algorithm in chunks, which the threads of a pool take in rising order, each the next one as soon as it
+/// is free. For chunks that take unequal time. For the rest it is like a `ThreadedAlg`.
 class QV_BASE_API ThreadedChunkAlg : public ThreadedAlgBase {
 public:
   ~ThreadedChunkAlg() override;

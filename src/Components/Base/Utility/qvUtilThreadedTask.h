@@ -5,15 +5,16 @@
 
 namespace qvUtil {
 
-/// A task and, through its children, a tree of tasks. Made with `new`; a queue that it was given to deletes it.
+/// A task and, through its children, a tree of tasks. Made with `new`; a queue that it was given to deletes
+/// it.
 ///
 /// In order: `preExecute(0)`, `preExecute(1)` and so on, until one returns null; then, when all children
 /// that came of it are done and deleted, `execute`; then `postExecute(0)`, `postExecute(1)` and so on; then,
 /// when those children are done too, the task is deleted. A child is a task like any other.
 ///
 /// Only `execute` runs in other threads. All else, deletion included, happens in the thread that uses the
-/// queue, one task at a time. None of these operations may use the queue, or let an exception out. Virtual order
-/// is part of the interface.
+/// queue, one task at a time. None of these operations may use the queue, or let an exception out. Virtual
+/// order is part of the interface.
 class QV_BASE_API ThreadedTask {
 public:
   ThreadedTask() = default;

@@ -21,8 +21,8 @@ public:
 
   /// Comes first: takes hold of the threads.
   virtual void acquire() = 0;
-  /// Takes a task, and owns it from then on. May run tasks, or wait while all threads have enough to do. A task
-  /// that comes after a cancellation is deleted and does not run.
+  /// Takes a task, and owns it from then on. May run tasks, or wait while all threads have enough to do. A
+  /// task that comes after a cancellation is deleted and does not run.
   virtual void submit(ThreadedTask* task) = 0;
   /// Returns when all tasks are done and deleted.
   virtual void wait() = 0;
@@ -34,16 +34,16 @@ public:
   /// Sets whom to ask whether to stop, any time between `acquire` and `release`; null for nobody. The object
   /// stays the caller's, and is asked in the thread that uses the queue.
   virtual void setCancelObject(Progress* progress) = 0;
-  /// Whether the tasks that are left are only to be deleted. Never after a task that may not be cancelled. Asks
-  /// the cancel object.
+  /// Whether the tasks that are left are only to be deleted. Never after a task that may not be cancelled.
+  /// Asks the cancel object.
   [[nodiscard]] virtual bool cancelled() = 0;
 
   /// Puts `queue`, which stays the caller's, into the global slot. Null brings back the one without threads.
   static void install(ThreadedTaskQueue* queue) noexcept;
   /// The installed queue, or else the one without threads; never null.
   [[nodiscard]] static ThreadedTaskQueue* get() noexcept;
-  /// The queue without threads. Like all others it belongs to one thread at a time. `submit` runs the task and
-  /// its children on the stack, as deep as the tree.
+  /// The queue without threads. Like all others it belongs to one thread at a time. `submit` runs the task
+  /// and its children on the stack, as deep as the tree.
   [[nodiscard]] static ThreadedTaskQueue* getSingleThreaded() noexcept;
 
 private:
