@@ -11,12 +11,13 @@
 
 namespace qvOS {
 
-/// One instance in the process. Locations are absolute, found when first asked for and then kept; one that the
-/// system does not tell is empty. Links are followed: a library that was loaded through one lies where the
-/// file itself does. Not thread-safe.
+/// One instance in the process. Locations are absolute, found when first asked for and then kept; one that
+/// the system does not tell is empty. Links are followed: a library that was loaded through one lies where
+/// the file itself does. Not thread-safe.
 class AppMain {
 public:
-  /// The instance, built by the first call, which may come before `main`, and destroyed when the library goes.
+  /// The instance, built by the first call, which may come before `main`, and destroyed when the library
+  /// goes.
   QV_BASE_API static AppMain& getInstance();
   AppMain(const AppMain&) = delete;
   AppMain& operator=(const AppMain&) = delete;
@@ -27,7 +28,8 @@ public:
   QV_BASE_API void initialize(int argc, qv::WChar** argv, qv::WChar** envp);
   /// True until `initialize`.
   [[nodiscard]] bool preMain() const noexcept { return argc_ == -1; }
-  /// Replaces `args` by the arguments: the narrow ones, in the encoding of paths, where both kinds were given.
+  /// Replaces `args` by the arguments: the narrow ones, in the encoding of paths, where both kinds were
+  /// given.
   QV_BASE_API void getArgs(qv::vector<qvString::IString>& args) const;
 
   /// The executable's file name, with ".exe" added where its suffix is another than "exe", on every platform.
@@ -42,16 +44,16 @@ public:
   /// Stores the directory above `getRuntimeDirectory`. False where it is empty.
   QV_BASE_API bool getBuildRootDirectory(qvString::IString& directory);
 
-  /// Appends those of these directories that exist and are not yet in `directories`, in this order: "plug-ins"
-  /// beside this library and beside the executable; "bin\plug-ins" and "plug-ins" in the runtime directory;
-  /// "bin\plug-ins" in the directory above that.
+  /// Appends those of these directories that exist and are not yet in `directories`, in this order:
+  /// "plug-ins" beside this library and beside the executable; "bin\plug-ins" and "plug-ins" in the runtime
+  /// directory; "bin\plug-ins" in the directory above that.
   QV_BASE_API void getPluginDirectories(qv::vector<qvString::IString>& directories);
 
   /// Seconds since the instance was built.
   [[nodiscard]] QV_BASE_API double getElapsed() const;
 
-  /// `SearchPath::searchFor`, `addDirectory` and `removeDirectory` on the application's own search path, which
-  /// begins as the directories of the environment variable "PATH".
+  /// `SearchPath::searchFor`, `addDirectory` and `removeDirectory` on the application's own search path,
+  /// which begins as the directories of the environment variable "PATH".
   QV_BASE_API bool searchPathFor(const qvString::IString& name, Filename& found);
   QV_BASE_API bool addDirectoryToPath(const qvString::IString& directory);
   QV_BASE_API bool removeDirectoryFromPath(const qvString::IString& directory);

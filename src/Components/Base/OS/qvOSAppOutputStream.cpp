@@ -32,7 +32,7 @@ public:
       return;
     }
     ownsFile = true;
-    static_cast<void>(qvPlatform::openStream(toNativePath(name).asChar(), append ? "a" : "w", &file));
+    static_cast<void>(qvPlatform::openStream(toNativePath(name).asChar(), append ? "at" : "wt", &file));
   }
 
   void close() {

@@ -30,9 +30,9 @@ public:
   /// False where it is not there.
   QV_BASE_API bool removeDirectory(const qvString::IString& directory);
 
-  /// Looks for a file, which is no directory, of that name in each directory in turn, and stores the first one
-  /// in `found`. The name may have directories of its own; an absolute one is looked for as it stands. False
-  /// where there is none, and `found` then stays as it was.
+  /// Looks for a file, which is no directory, of that name in each directory in turn, and stores the first
+  /// one in `found`. The name may have directories of its own; an absolute one is looked for as it stands.
+  /// False where there is none, and `found` then stays as it was.
   QV_BASE_API bool searchFor(const qvString::IString& name, Filename& found) const;
 
 private:

@@ -7,8 +7,8 @@
 
 namespace qvOS {
 
-/// Counts the time between `start` and `stop`, over as many stretches as there are, by a clock that never goes
-/// back. Not thread-safe, but for reading.
+/// Counts the time between `start` and `stop`, over as many stretches as there are, by a clock that never
+/// goes back. Not thread-safe, but for reading.
 class StopWatch {
 public:
   /// Stopped, at 0.
