@@ -155,7 +155,7 @@ void URL::parseAuthority() {
   const std::size_t colon = authority.find(':');
   host_ = CString(authority.substr(0, colon));
   if (colon == npos || colon + 1 == authority.size()) return;
-  port_ = static_cast<int>(std::strtol(authority_.asChar() + colon + 1, nullptr, 10));
+  port_ = static_cast<int>(std::strtoll(authority_.asChar() + colon + 1, nullptr, 10));
 }
 
 void URL::setRemotePath(std::string_view path) {

@@ -8,7 +8,8 @@
 
 namespace qvPlatform {
 
-/// The handle behind a descriptor, one of the three standard streams included; it is the same open file.
+/// The handle behind a descriptor, one of the three standard streams included; it is the same open file, and
+/// from here on its bytes pass as they are.
 [[nodiscard]] FileHandle fileOfDescriptor(int descriptor) noexcept;
 
 /// Reads what is there, at least one byte and at most `size`, waiting for the first [read]. `*count` is 0 at

@@ -304,16 +304,31 @@ private:
   }
 
   void floating(const Parsed& parsed) noexcept {
-    if (parsed.size == Size::LongDouble) return floatingByRuntime(parsed, va_arg(args_, long double));
-    const double value = va_arg(args_, double);
-    if (!floatingByHand(parsed, value)) floatingByRuntime(parsed, value);
+    if (parsed.size == Size::LongDouble) {
+      const long double value = va_arg(args_, long double);
+      if (!notFinite(parsed, value)) floatingByRuntime(parsed, value);
+    } else {
+      const double value = va_arg(args_, double);
+      if (!notFinite(parsed, value) && !floatingByHand(parsed, value)) floatingByRuntime(parsed, value);
+    }
+  }
+
+  /// Infinities and what is no number. Runtimes differ in whether the latter has a sign.
+  template <class Float>
+  bool notFinite(const Parsed& parsed, Float value) noexcept {
+    if (std::isfinite(value)) return false;
+    const bool capitals = parsed.letter < 'a';
+    Number number;
+    addSign(number, std::signbit(value), parsed);
+    number.digits = std::isnan(value) ? (capitals ? "NAN" : "nan") : (capitals ? "INF" : "inf");
+    number.numDigits = 3;
+    print(number, parsed, false);
+    return true;
   }
 
   bool floatingByHand(const Parsed& parsed, double value) noexcept {
     FloatDigits digits;
-    if (parsed.alternate || !std::isfinite(value) ||
-        !digits.make(std::fabs(value), parsed.letter, parsed.precision))
-      return false;
+    if (parsed.alternate || !digits.make(std::fabs(value), parsed.letter, parsed.precision)) return false;
     Number number;
     addSign(number, std::signbit(value), parsed);
     number.digits = digits.begin();
@@ -342,31 +357,29 @@ private:
     const int made =
         std::snprintf(body, sizeof body, format, std::min(parsed.precision, kMostPrecision), value);
     const std::size_t length = std::min(static_cast<std::size_t>(std::max(made, 0)), sizeof body - 1);
-    const bool hasFurther = parsed.precision > kMostPrecision && std::isfinite(value) &&
+    const bool hasFurther = parsed.precision > kMostPrecision &&
                             ((parsed.letter != 'g' && parsed.letter != 'G') || parsed.alternate);
     printRuntimeNumber(parsed, body, length,
-                       hasFurther ? static_cast<std::size_t>(parsed.precision - kMostPrecision) : 0,
-                       std::isfinite(value));
+                       hasFurther ? static_cast<std::size_t>(parsed.precision - kMostPrecision) : 0);
   }
 
   /// `body` is a sign, "0x", digits and an exponent, all but the digits optional. `further` zeros belong
   /// behind the digits.
-  void printRuntimeNumber(const Parsed& parsed, const char* body, std::size_t length, std::size_t further,
-                          bool finite) noexcept {
+  void printRuntimeNumber(const Parsed& parsed, const char* body, std::size_t length,
+                          std::size_t further) noexcept {
     const char* const end = body + length;
     const char* first = body;
     if (first != end && (*first == '-' || *first == '+' || *first == ' ')) ++first;
-    const bool hexadecimal = finite && (parsed.letter == 'a' || parsed.letter == 'A');
+    const bool hexadecimal = parsed.letter == 'a' || parsed.letter == 'A';
     if (hexadecimal) first += 2;
     const char* exponent = end;
-    if (finite && parsed.letter != 'f' && parsed.letter != 'F')
+    if (parsed.letter != 'f' && parsed.letter != 'F')
       exponent = std::find_if(
           first, end, [=](char c) { return hexadecimal ? c == 'p' || c == 'P' : c == 'e' || c == 'E'; });
     const std::size_t padding = paddingOf(parsed, convert(body, length, kNoLimit, ignore) + further);
-    const bool zeroPadded = parsed.zero && finite;
-    if (!parsed.left && !zeroPadded) out_.fill(padding, ' ');
+    if (!parsed.left && !parsed.zero) out_.fill(padding, ' ');
     out_.text(body, static_cast<std::size_t>(first - body));
-    if (!parsed.left && zeroPadded) out_.fill(padding, '0');
+    if (!parsed.left && parsed.zero) out_.fill(padding, '0');
     convert(first, static_cast<std::size_t>(exponent - first), kNoLimit, writer());
     out_.fill(further, '0');
     out_.text(exponent, static_cast<std::size_t>(end - exponent));

@@ -27,8 +27,8 @@ unsigned int onlyColon(const IString& text) {
   return colon != IString::npos && text.find(QV_W(':'), colon + 1) == IString::npos ? colon : IString::npos;
 }
 
-// As `atoi` reads it, which leaves open what a number past its range gives; `strtol` does not.
-int portOf(const IString& text) { return static_cast<int>(std::strtol(text.asUTF8(), nullptr, 10)); }
+// As `atoi` reads it, which leaves open what a number past its range gives; `strtoll` does not.
+int portOf(const IString& text) { return static_cast<int>(std::strtoll(text.asUTF8(), nullptr, 10)); }
 
 } // namespace
 

@@ -1,6 +1,5 @@
 // Over Windows Sockets 2.2. Sockets are opened without overlapped transfers, so that they also serve as the
-// files that C streams read and write. A failed call leaves its number in `errno` too, as the C runtime's own
-// calls do.
+// files that C streams read and write.
 #include "Base/Platform/qvPlatformSocket.h"
 
 #include "Base/Platform/qvPlatformError.h"
@@ -21,26 +20,6 @@ namespace qvPlatform {
 namespace {
 
 SOCKET nativeOf(SocketHandle socket) noexcept { return static_cast<SOCKET>(socket); }
-
-// Announces the operation, then makes the call, which answers a negative value where it fails.
-template <class Call, class Result>
-int socketCall(const char* name, Call call, Result& result) noexcept {
-  for (;;) {
-    int error = beforeCall(name);
-    if (!error) {
-      result = call();
-      if (result >= 0) return 0;
-      error = errno = ::WSAGetLastError();
-    }
-    if (errorKind(error) != ErrorKind::interrupted) return error;
-  }
-}
-
-template <class Call>
-int socketCall(const char* name, Call call) noexcept {
-  int result = 0;
-  return socketCall(name, call, result);
-}
 
 const char* startFailureText(int number) noexcept {
   switch (number) {
@@ -72,7 +51,7 @@ int openStream(int family, int type, int protocol, SocketHandle* socket) noexcep
     return static_cast<SocketHandle>(
         ::WSASocketA(family, type, protocol, nullptr, 0, WSA_FLAG_NO_HANDLE_INHERIT));
   };
-  return socketCall("socket", open, *socket);
+  return retryCall("socket", open, *socket);
 }
 
 bool canOpen(int family) noexcept {
@@ -94,8 +73,8 @@ int findAddresses(const char* host, const char* service, const addrinfo& hints, 
 template <class T>
 int setOption(SocketHandle socket, int level, int option, const T& value) noexcept {
   const auto* const bytes = reinterpret_cast<const char*>(&value);
-  return socketCall("setsockopt",
-                    [&] { return ::setsockopt(nativeOf(socket), level, option, bytes, sizeof value); });
+  return retryCall("setsockopt",
+                   [&] { return ::setsockopt(nativeOf(socket), level, option, bytes, sizeof value); });
 }
 
 // Calls take no more at once.
@@ -123,7 +102,7 @@ int selectUntil(fd_set* set, std::int64_t limit) noexcept {
   for (int ready = 0;;) {
     *set = wanted;
     const auto left = std::clamp(std::chrono::ceil<microseconds>(end - steady_clock::now()), none, most);
-    if (const int error = socketCall(
+    if (const int error = retryCall(
             "poll", [&] { return selectWithin(set, left, limited); }, ready))
       return error;
     if (ready > 0 || (limited && steady_clock::now() >= end)) return 0;
@@ -181,7 +160,7 @@ int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
 
 int connectSocket(SocketHandle socket, const addrinfo* entry) noexcept {
   const auto size = static_cast<int>(entry->ai_addrlen);
-  return socketCall("connect", [&] { return ::connect(nativeOf(socket), entry->ai_addr, size); });
+  return retryCall("connect", [&] { return ::connect(nativeOf(socket), entry->ai_addr, size); });
 }
 
 int closeSocket(SocketHandle socket) noexcept {
@@ -192,7 +171,7 @@ int closeSocket(SocketHandle socket) noexcept {
 
 int shutdownSocket(SocketHandle socket, SocketSide side) noexcept {
   const int how = side == SocketSide::receive ? SD_RECEIVE : side == SocketSide::send ? SD_SEND : SD_BOTH;
-  return socketCall("shutdown", [&] { return ::shutdown(nativeOf(socket), how); });
+  return retryCall("shutdown", [&] { return ::shutdown(nativeOf(socket), how); });
 }
 
 int setLinger(SocketHandle socket, int seconds) noexcept {
@@ -211,7 +190,7 @@ int receiveSome(SocketHandle socket, void* buffer, std::size_t size, std::size_t
   const auto receive = [&] {
     return ::recv(nativeOf(socket), static_cast<char*>(buffer), lengthOf(size), 0);
   };
-  const int error = socketCall("recv", receive, received);
+  const int error = retryCall("recv", receive, received);
   *count = error ? 0 : static_cast<std::size_t>(received);
   return error;
 }
@@ -221,7 +200,7 @@ int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::siz
   const auto send = [&] {
     return ::send(nativeOf(socket), static_cast<const char*>(buffer), lengthOf(size), 0);
   };
-  const int error = socketCall("send", send, sent);
+  const int error = retryCall("send", send, sent);
   *count = error ? 0 : static_cast<std::size_t>(sent);
   return error;
 }
@@ -250,7 +229,7 @@ int socketEndpoint(SocketHandle socket, SocketEnd end, std::string* host, int* p
   int size = sizeof storage;
   auto* address = reinterpret_cast<sockaddr*>(&storage);
   const bool local = end == SocketEnd::local;
-  const int error = socketCall(local ? "getsockname" : "getpeername", [&] {
+  const int error = retryCall(local ? "getsockname" : "getpeername", [&] {
     return local ? ::getsockname(nativeOf(socket), address, &size)
                  : ::getpeername(nativeOf(socket), address, &size);
   });

@@ -3,6 +3,7 @@
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformRuntime.h"
 
+#include <fcntl.h>
 #include <io.h>
 
 #include <algorithm>
@@ -25,7 +26,11 @@ int transferSome(const char* name, std::size_t* count, Transfer transfer) noexce
 
 } // namespace
 
-FileHandle fileOfDescriptor(int descriptor) noexcept { return descriptor; }
+// The standard streams would else turn line ends on the way.
+FileHandle fileOfDescriptor(int descriptor) noexcept {
+  _setmode(descriptor, _O_BINARY);
+  return descriptor;
+}
 
 int readSome(FileHandle file, void* buffer, std::size_t size, std::size_t* count) noexcept {
   return transferSome("read", count, [=] { return _read(static_cast<int>(file), buffer, atOnce(size)); });

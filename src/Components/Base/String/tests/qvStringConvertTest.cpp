@@ -1,11 +1,11 @@
 #include "Base/String/qvStringConvert.h"
 
 #include "Base/String/qvStringInt64.h"
+#include "testing/qvTestLocale.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <clocale>
 #include <cstdint>
 #include <string>
 
@@ -17,10 +17,14 @@ using Wide = std::basic_string<qv::WChar>;
 
 constexpr unsigned int kTerminated = 0xFFFFFFFF;
 
-class Convert : public testing::Test {
+class ConvertLocale : public testing::Test {
 protected:
-  void SetUp() override { ASSERT_TRUE(std::setlocale(LC_CTYPE, "C.UTF-8")); }
-  void TearDown() override { std::setlocale(LC_CTYPE, "C"); }
+  void SetUp() override {
+    if (!locale_) GTEST_SKIP() << "no locale with UTF-8";
+  }
+
+private:
+  qvTest::Locale locale_{qvTest::utf8Locale};
 };
 
 /// The result of a converter, with `ok`, and with '#' for what it did not write.
@@ -62,7 +66,7 @@ Made<char> toUtf8(const qv::WChar* source, unsigned int count, unsigned int room
                     [&](char* to, unsigned int n, bool* ok) { return WCStoUTF8(source, count, to, n, ok); });
 }
 
-TEST_F(Convert, LocaleToWide) {
+TEST_F(ConvertLocale, ToWide) {
   using M = Made<qv::WChar>;
   const Wide nul(1, 0);
   EXPECT_EQ(fromLocale("aé", kTerminated, 8), (M{2, true, QV_W("aé") + nul}));
@@ -83,7 +87,7 @@ TEST_F(Convert, LocaleToWide) {
   EXPECT_EQ(fromLocale(unterminated, 3, 8), (M{0, true, {}}));
 }
 
-TEST_F(Convert, WideToLocale) {
+TEST_F(ConvertLocale, FromWide) {
   using M = Made<char>;
   const std::string nul(1, '\0');
   EXPECT_EQ(toLocale(QV_W("aé"), kTerminated, 4), (M{3, true, "aé" + nul}));
@@ -98,7 +102,7 @@ TEST_F(Convert, WideToLocale) {
   EXPECT_EQ(toLocale(QV_W("a\U0001F600é"), kTerminated, 8), (M{4, false, "a???" + nul}));
 }
 
-TEST_F(Convert, PlainLocaleSize) {
+TEST_F(ConvertLocale, PlainSize) {
   qv::WChar units[4] = {'#', '#', '#', '#'};
   EXPECT_EQ(getMultiByteStringSize(nullptr, "aé😀", 0), 4);
   EXPECT_EQ(getMultiByteStringSize(units, "a😀", 2),
@@ -109,7 +113,7 @@ TEST_F(Convert, PlainLocaleSize) {
   EXPECT_EQ(getMultiByteStringSize(units, "ab\xFF", 3), -1);
 }
 
-TEST_F(Convert, Utf8ToWide) {
+TEST(Convert, Utf8ToWide) {
   using M = Made<qv::WChar>;
   EXPECT_EQ(fromUtf8("aé", kTerminated, 2), (M{2, true, QV_W("aé")})); // exactly the size, and no terminator
   EXPECT_EQ(fromUtf8("aé", 3, 1), (M{0, true, {}}));
@@ -136,7 +140,7 @@ TEST_F(Convert, Utf8ToWide) {
   EXPECT_EQ(fromUtf8(nul.data(), 3, 8), (M{3, true, Wide({'a', 0, 'b'})}));
 }
 
-TEST_F(Convert, WideToUtf8) {
+TEST(Convert, WideToUtf8) {
   using M = Made<char>;
   EXPECT_EQ(toUtf8(QV_W("aé"), kTerminated, 3), (M{3, true, "aé"}));
   EXPECT_EQ(toUtf8(QV_W("aé"), kTerminated, 2), (M{0, true, ""}));
@@ -147,7 +151,7 @@ TEST_F(Convert, WideToUtf8) {
   EXPECT_EQ(toUtf8(nullptr, 5, 8), (M{0, false, ""}));
 }
 
-TEST_F(Convert, ByteOrderMark) {
+TEST(Convert, ByteOrderMark) {
   EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBFx", 4), 3);
   EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBF", -1), 3);
   for (const int count : {2, 0, -2, INT_MIN}) EXPECT_EQ(detectUTF8BOM("\xEF\xBB\xBF", count), 0);
