@@ -21,6 +21,14 @@
 
 namespace qvTest {
 
+/// Every write method, for tests of what does not depend on it.
+inline constexpr ioWriteMethod writeMethods[] = {ioWriteAscii, ioWriteBinary, ioWriteAsciiDebug,
+                                                 ioWriteBinaryDebug};
+constexpr bool isText(ioWriteMethod method) { return method == ioWriteAscii || method == ioWriteAsciiDebug; }
+constexpr bool isTagged(ioWriteMethod method) {
+  return method == ioWriteAsciiDebug || method == ioWriteBinaryDebug;
+}
+
 using PacketWriter = std::function<void(ioWriteContext&)>;
 using PacketReader = std::function<void(ioReadContext&)>;
 /// Names of packet types, and what reads a packet of each; nothing reads where there is no function.

@@ -104,6 +104,7 @@ constexpr Golden packetFiles[] = {
     {"compressed.packets", ioWriteBinary, "z"}, {"summed.packets", ioWriteBinary, "s"},
     {"both.packets", ioWriteBinary, "zs"},      {"summedBelow.packets", ioWriteBinary, "sz"},
     {"encrypted.packets", ioWriteBinary, "e"},
+    {"text.packets", ioWriteAscii, ""},         {"taggedText.packets", ioWriteAsciiDebug, ""},
 };
 
 void push(ioBufferedStream& stream, const char* filters) {

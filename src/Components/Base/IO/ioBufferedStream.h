@@ -131,6 +131,11 @@ public:
   void readLine(char* buffer, int size);
   /// Reads `count` bytes. @return how many came; fewer only where the status is not good.
   int readData(char* buffer, int count);
+
+private:
+  friend class ioPacketFileAsciiBuffer;
+  /// Fills the top link's buffer where nothing is left in it. False where there is still nothing.
+  bool holdMore();
 };
 
 /// A stream that writes. Copying it shares the chain.

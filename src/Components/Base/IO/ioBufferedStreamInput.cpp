@@ -60,13 +60,16 @@ void ioBufferedStreamInput::openFileSlice(const qvString::IString& name, std::in
   openChain(link, ioStreamAtEnd);
 }
 
+bool ioBufferedStreamInput::holdMore() {
+  if (!demandOpen()) return false;
+  if (bufferChain_->heldBytes() > 0) return true;
+  bufferChain_->fillBuffer();
+  promoteBufferStatus();
+  return good() && bufferChain_->heldBytes() > 0;
+}
+
 char ioBufferedStreamInput::readChar() {
-  if (!demandOpen()) return 0;
-  if (bufferChain_->heldBytes() == 0) {
-    bufferChain_->fillBuffer();
-    promoteBufferStatus();
-    if (!good() || bufferChain_->heldBytes() == 0) return 0;
-  }
+  if (!holdMore()) return 0;
   const auto c = static_cast<char>(*bufferChain_->heldData());
   bufferChain_->dropHeld(1);
   return c;

@@ -1,8 +1,10 @@
-// Which class writes or reads which method: the one place where an encoding is plugged in. A method without a
-// class here has no writer or reader, and the caller gets null.
+// Which class writes or reads which method: the one place where an encoding is plugged in. Any other method
+// has no writer or reader, and the caller gets null.
 #include "Base/IO/ioBufferedStream.h"
+#include "Base/IO/ioReadContextAscii.h"
 #include "Base/IO/ioReadContextBinary.h"
 #include "Base/IO/ioReadContextDebug.h"
+#include "Base/IO/ioWriteContextAscii.h"
 #include "Base/IO/ioWriteContextBinary.h"
 #include "Base/IO/ioWriteContextDebug.h"
 
@@ -10,6 +12,10 @@ namespace {
 
 std::unique_ptr<ioWriteContext> makeWriter(ioBufferedStreamOutput& stream, ioWriteMethod method) {
   switch (method) {
+  case ioWriteAscii:
+    return std::make_unique<ioWriteContextAscii>(stream);
+  case ioWriteAsciiDebug:
+    return std::make_unique<ioWriteContextDebug<ioWriteContextAscii>>(stream);
   case ioWriteBinary:
     return std::make_unique<ioWriteContextBinary>(stream);
   case ioWriteBinaryDebug:
@@ -26,6 +32,10 @@ std::unique_ptr<ioReadContext> reader(ioBufferedStreamInput& stream, ioReadMetho
 
 std::unique_ptr<ioReadContext> makeReader(ioBufferedStreamInput& stream, ioReadMethod method) {
   switch (method) {
+  case ioReadAscii:
+    return reader<ioReadContextAscii>(stream, method);
+  case ioReadAsciiDebug:
+    return reader<ioReadContextDebug<ioReadContextAscii>>(stream, method);
   case ioReadBinarySameEndian:
     return reader<ioReadContextBinarySameEndian>(stream, method);
   case ioReadBinarySwapped:

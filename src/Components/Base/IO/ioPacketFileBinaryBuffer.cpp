@@ -5,81 +5,54 @@
 #include "Base/IO/ioReadContextBinary.h"
 #include "Base/IO/ioWriteContext.h"
 
-#include <limits>
-
 namespace {
 
 constexpr char chunkMark = ',';
 constexpr char subPacketMark = '.';
 constexpr int headerSize = 12;
 constexpr int bodySizeAt = 8;
-constexpr std::int64_t largest = std::numeric_limits<int>::max();
 
 } // namespace
 
-ioPacketFileBinaryBuffer::ioPacketFileBinaryBuffer() {
-  data_ = std::make_unique_for_overwrite<char[]>(std::size_t(capacity_) + 1);
-}
-
 ioPacketFileBinaryBuffer::~ioPacketFileBinaryBuffer() = default;
 
-/// Makes room for `size` bytes at the cursor. False where the packet would become too large.
-bool ioPacketFileBinaryBuffer::makeRoom(std::size_t size) {
-  if (size > static_cast<std::size_t>(largest - cursor_)) {
-    tooLarge_ = true;
-    return false;
-  }
-  const std::int64_t needed = cursor_ + static_cast<std::int64_t>(size);
-  std::int64_t capacity = capacity_;
-  while (capacity < needed) capacity *= 2;
-  if (capacity > capacity_) reallocate(static_cast<int>(std::min(capacity, largest)));
-  return true;
-}
-
-void ioPacketFileBinaryBuffer::reallocate(int capacity) {
-  auto larger = std::make_unique_for_overwrite<char[]>(std::size_t(capacity) + 1);
-  std::memcpy(larger.get(), data_.get(), std::size_t(capacity_));
-  data_ = std::move(larger);
-  capacity_ = capacity;
-}
-
 void ioPacketFileBinaryBuffer::putBytes(const void* bytes, std::size_t size) {
-  if (size == 0 || !makeRoom(size)) return;
-  std::memcpy(data_.get() + cursor_, bytes, size);
+  if (size == 0 || !block_.makeRoom(cursor_, size)) return;
+  std::memcpy(block_.data() + cursor_, bytes, size);
   cursor_ += static_cast<int>(size);
 }
 
 void ioPacketFileBinaryBuffer::getBytes(void* bytes, std::size_t size) noexcept {
   const std::size_t held = std::min(size, static_cast<std::size_t>(end_ - cursor_));
-  if (held > 0) std::memcpy(bytes, data_.get() + cursor_, held);
+  if (held > 0) std::memcpy(bytes, block_.data() + cursor_, held);
   if (size > held) std::memset(static_cast<char*>(bytes) + held, 0, size - held);
   cursor_ += static_cast<int>(held);
 }
 
 const char* ioPacketFileBinaryBuffer::getCString() noexcept {
-  const char* const text = data_.get() + cursor_;
+  const char* const text = block_.data() + cursor_;
   // The terminator behind the packet ends a text that has none.
   const auto* const last = static_cast<const char*>(std::memchr(text, 0, std::size_t(end_ - cursor_) + 1));
-  cursor_ = std::min(static_cast<int>(last - data_.get()) + 1, end_);
+  cursor_ = std::min(static_cast<int>(last - block_.data()) + 1, end_);
   return text;
 }
 
 void ioPacketFileBinaryBuffer::startPacket(ioWriteContext&, bool hasReference, const ioPacketType* type) {
   const int header[3] = {type ? type->getId() : -1, hasReference, 0};
   static_assert(sizeof header == headerSize);
-  std::memcpy(data_.get(), header, headerSize);
+  std::memcpy(block_.data(), header, headerSize);
   cursor_ = headerSize;
-  tooLarge_ = false;
+  block_.startPacket();
   startLevels();
 }
 
 void ioPacketFileBinaryBuffer::endPacket(ioWriteContext& context, ioBufferedStreamOutput& stream) {
   const int bodySize = cursor_ - headerSize;
-  std::memcpy(data_.get() + bodySizeAt, &bodySize, sizeof bodySize);
-  if (tooLarge_)
+  std::memcpy(block_.data() + bodySizeAt, &bodySize, sizeof bodySize);
+  if (block_.tooLarge())
     context.misused();
   else if (packetValid())
-    stream.writeData(data_.get(), cursor_);
+    stream.writeData(block_.data(), cursor_);
 }
 
 /// Sizes go through the context, so that a tagged one gets its tag.
@@ -135,11 +108,10 @@ void ioPacketFileBinaryBuffer::readBody(ioBufferedStreamInput& stream, int size)
   end_ = 0;
   while (end_ < size && stream.good()) {
     const int step = std::min(size - end_, std::max(end_, firstStep));
-    cursor_ = end_;
-    if (step > capacity_ - cursor_ && !makeRoom(static_cast<std::size_t>(step))) break;
-    end_ += std::clamp(stream.readData(data_.get() + end_, step), 0, step);
+    if (!block_.makeRoom(end_, static_cast<std::size_t>(step))) break;
+    end_ += std::clamp(stream.readData(block_.data() + end_, step), 0, step);
   }
-  data_[end_] = '\0';
+  block_.data()[end_] = '\0';
 }
 
 void ioPacketFileBinaryBuffer::finishPacket(ioReadContext&) { startLevels(); }

@@ -8,6 +8,7 @@
 // in the writer's byte order. A chunk's or sub-packet's size counts its own bytes too.
 #pragma once
 
+#include "Base/IO/ioPacketBlock.h"
 #include "Base/IO/ioPacketFileBuffer.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@
 /// Offsets are signed 32-bit: a packet of 2 GiB or more is given up, and the writer's context fails.
 class ioPacketFileBinaryBuffer final : public ioPacketFileBuffer {
 public:
-  ioPacketFileBinaryBuffer();
   ~ioPacketFileBinaryBuffer() override;
 
   void startPacket(ioWriteContext& context, bool hasReference, const ioPacketType* type) override;
@@ -41,8 +41,8 @@ public:
   /// Puts the bytes of `value` at the cursor.
   template <class T>
   void put(T value) {
-    if (capacity_ - cursor_ < static_cast<int>(sizeof value) && !makeRoom(sizeof value)) return;
-    std::memcpy(data_.get() + cursor_, &value, sizeof value);
+    if (!block_.makeRoom(cursor_, sizeof value)) return;
+    std::memcpy(block_.data() + cursor_, &value, sizeof value);
     cursor_ += static_cast<int>(sizeof value);
   }
   void putBytes(const void* bytes, std::size_t size);
@@ -55,7 +55,7 @@ public:
       getBytes(&value, sizeof value);
       return value;
     }
-    std::memcpy(&value, data_.get() + cursor_, sizeof value);
+    std::memcpy(&value, block_.data() + cursor_, sizeof value);
     cursor_ += static_cast<int>(sizeof value);
     return value;
   }
@@ -73,8 +73,6 @@ private:
     bool chunkHasData = false;
   };
 
-  [[nodiscard]] bool makeRoom(std::size_t size);
-  void reallocate(int capacity);
   void patchSize(ioWriteContext& context, int at);
   /// The level of the packet itself, and no other, whatever the last packet left open.
   void startLevels() {
@@ -84,10 +82,8 @@ private:
   void readBody(ioBufferedStreamInput& stream, int size);
   [[nodiscard]] int getEnd(ioReadContext& context);
 
-  std::unique_ptr<char[]> data_; // one byte more than the capacity, for a terminator
-  int capacity_ = 50000;
+  ioPacketBlock block_;
   int cursor_ = 0;
   std::vector<Level> levels_ = std::vector<Level>(1);
   int end_ = 0; // reader: bytes held
-  bool tooLarge_ = false;
 };

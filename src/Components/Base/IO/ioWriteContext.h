@@ -94,6 +94,7 @@ protected:
   void misused() noexcept { setStatus(ioFailed); }
 
 private:
+  friend class ioPacketFileAsciiBuffer;
   friend class ioPacketFileBinaryBuffer;
   void endOpenChunk();
 

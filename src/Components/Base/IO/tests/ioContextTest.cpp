@@ -31,7 +31,7 @@ protected:
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Methods, ioContextTest, testing::Values(ioWriteBinary, ioWriteBinaryDebug));
+INSTANTIATE_TEST_SUITE_P(Methods, ioContextTest, testing::ValuesIn(qvTest::writeMethods));
 
 TEST_P(ioContextTest, packetsNestAndAnAbandonedOneLeavesNoTrace) {
   const std::string nested = write([](ioWriteContext& c) {
@@ -90,7 +90,7 @@ TEST_P(ioContextTest, misuseFailsAndWritesNothing) {
   const struct {
     int line;
     qvTest::PacketWriter misuse;
-    std::size_t endPacket = 12; // is missing
+    bool endPacket = false; // is written
   } rows[] = {
       {__LINE__, [](ioWriteContext& c) { c.writeInt(1); }},
       {__LINE__, [](ioWriteContext& c) { c.writeCString("x"); }},
@@ -104,12 +104,13 @@ TEST_P(ioContextTest, misuseFailsAndWritesNothing) {
          c.startChunk(), c.startSubPacket(), c.writeInt(1), c.endSubPacket();
          c.endPacket();
        }},
-      {__LINE__, [](ioWriteContext& c) { c.startPacket("t", nullptr); }, 0}, // is still open
+      {__LINE__, [](ioWriteContext& c) { c.startPacket("t", nullptr); }, true}, // is still open
   };
   const std::string empty = write([](ioWriteContext&) {});
+  const std::size_t endPacket = qvTest::isText(GetParam()) ? 8 : 12;
   for (const auto& row : rows) {
     ioStatus status = ioOK;
-    EXPECT_EQ(write(row.misuse, &status), empty.substr(0, empty.size() - row.endPacket)) << row.line;
+    EXPECT_EQ(write(row.misuse, &status), empty.substr(0, empty.size() - (row.endPacket ? 0 : endPacket))) << row.line;
     EXPECT_EQ(status, ioFailed) << row.line;
   }
   qvTest::MemoryOutput out;
@@ -143,13 +144,21 @@ TEST_P(ioContextTest, clientsHearOfEachPacketAndHaltBeforeTheNext) {
 }
 
 TEST_P(ioContextTest, filesStandOneAfterAnother) {
-  const std::string one = write([](ioWriteContext& c) { packet(c, 1); });
-  const std::string two = write([](ioWriteContext& c) { packet(c, 2); });
+  // A reader of text leaves the newline behind the end packet, and no header begins with that.
+  const std::string gap = qvTest::isText(GetParam()) ? "\n" : "";
+  const auto file = [&](int value) {
+    const std::string whole = write([&](ioWriteContext& c) { packet(c, value); });
+    EXPECT_TRUE(whole.ends_with(gap));
+    return whole.substr(0, whole.size() - gap.size());
+  };
+  PacketReading apart(file(1) + gap + file(2), {{"t", nullptr}});
+  EXPECT_EQ(apart.read(), ioOK);
+  EXPECT_EQ(apart.context->reusePacketFile(), gap.empty());
   const std::string other = writePackets(GetParam() == ioWriteBinary ? ioWriteBinaryDebug : ioWriteBinary,
                                          {"t"}, [](ioWriteContext& c) { packet(c, 3); });
   for (const std::string& last : {other, std::string()}) { // encoded in another way, or nothing
     std::vector<int> read;
-    PacketReading reading(one + two + last, {{"t", [&](ioReadContext& c) { read.push_back(c.fetchInt()); }}});
+    PacketReading reading(file(1) + file(2) + last, {{"t", [&](ioReadContext& c) { read.push_back(c.fetchInt()); }}});
     EXPECT_EQ(reading.read(), ioOK);
     EXPECT_TRUE(reading.context->reusePacketFile());
     EXPECT_EQ(reading.read(), ioOK);

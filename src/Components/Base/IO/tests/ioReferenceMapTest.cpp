@@ -50,8 +50,8 @@ TEST(ioReference, objectsComeBackWithTheirPointers) {
       {__LINE__, 100'000, [](int i, int n) { return int(std::int64_t(i) * 7919 % n); }},
   };
   for (const auto& shape : shapes)
-    for (const ioWriteMethod method : {ioWriteBinary, ioWriteBinaryDebug}) {
-      if (shape.count == million && method == ioWriteBinaryDebug) continue; // once is enough
+    for (const ioWriteMethod method : qvTest::writeMethods) {
+      if (shape.count == million && method != ioWriteBinary) continue; // once is enough
       std::vector<Node> nodes(shape.count), read(shape.count);
       for (int i = 0; i < shape.count; ++i) {
         const int next = shape.next(i, shape.count);
@@ -71,12 +71,15 @@ TEST(ioReference, objectsComeBackWithTheirPointers) {
     }
 }
 
-TEST(ioReference, theEndReportsWhatNeverCameAndWhatNobodyUsed) {
+class ioReferenceTest : public testing::TestWithParam<ioWriteMethod> {};
+INSTANTIATE_TEST_SUITE_P(Methods, ioReferenceTest, testing::ValuesIn(qvTest::writeMethods));
+
+TEST_P(ioReferenceTest, theEndReportsWhatNeverCameAndWhatNobodyUsed) {
   Node nodes[4];
   nodes[0] = {10, &nodes[3]}; // never written
   nodes[1] = {11, &nodes[3]};
   nodes[2] = {12, &nodes[0]};
-  const std::string file = writePackets(ioWriteBinary, {"node"}, [&](ioWriteContext& c) {
+  const std::string file = writePackets(GetParam(), {"node"}, [&](ioWriteContext& c) {
     for (int i = 0; i < 3; ++i) writeNode(c, nodes[i]);
   });
   std::vector<Node> read(3);
@@ -88,6 +91,7 @@ TEST(ioReference, theEndReportsWhatNeverCameAndWhatNobodyUsed) {
   EXPECT_EQ(std::set(type.waiting.begin(), type.waiting.end()), (std::set{10, 11}));
   EXPECT_EQ(type.unused, (std::vector<void*>{&read[1], &read[2]}));
   static std::set<void*> slots; // for a function without a context
+  slots.clear();
   reading.context->reportUnresolvedPtrs(&type, [](void* slot, int) { slots.insert(slot); });
   EXPECT_EQ(slots, (std::set<void*>{&read[0].next, &read[1].next}));
   EXPECT_FALSE(reading.registry.lookup("packetFile_string")->isUnresolved());
@@ -112,9 +116,9 @@ TEST(ioReference, filesShareAMap) {
   EXPECT_EQ(read[0].next, &read[1]);
 }
 
-TEST(ioReference, theWaysToReadAReference) {
+TEST_P(ioReferenceTest, theWaysToReadAReference) {
   static Node object, other;
-  const std::string file = writePackets(ioWriteBinary, {"t"}, [](ioWriteContext& c) {
+  const std::string file = writePackets(GetParam(), {"t"}, [](ioWriteContext& c) {
     c.startPacket("t", nullptr);
     EXPECT_EQ(c.writeReference(nullptr, false), 0);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(c.writeReference(&object, false), 1);
