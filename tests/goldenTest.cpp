@@ -100,11 +100,11 @@ struct Golden {
 };
 
 constexpr Golden packetFiles[] = {
-    {"plain.packets", ioWriteBinary, ""},       {"tagged.packets", ioWriteBinaryDebug, ""},
-    {"compressed.packets", ioWriteBinary, "z"}, {"summed.packets", ioWriteBinary, "s"},
-    {"both.packets", ioWriteBinary, "zs"},      {"summedBelow.packets", ioWriteBinary, "sz"},
-    {"encrypted.packets", ioWriteBinary, "e"},
-    {"text.packets", ioWriteAscii, ""},         {"taggedText.packets", ioWriteAsciiDebug, ""},
+    {"plain.packets", ioWriteBinary, ""},          {"tagged.packets", ioWriteBinaryDebug, ""},
+    {"compressed.packets", ioWriteBinary, "z"},    {"summed.packets", ioWriteBinary, "s"},
+    {"both.packets", ioWriteBinary, "zs"},         {"summedBelow.packets", ioWriteBinary, "sz"},
+    {"encrypted.packets", ioWriteBinary, "e"},     {"text.packets", ioWriteAscii, ""},
+    {"taggedText.packets", ioWriteAsciiDebug, ""},
 };
 
 void push(ioBufferedStream& stream, const char* filters) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -62,14 +63,16 @@ bool isLarge(std::string_view text, std::string_view digitSet, int bitsOfDigit) 
   return places * bitsOfDigit + exponentAt(text) > 0;
 }
 
-double magnitude(std::string_view text) {
+/// The number at the start of `text`, which has no sign, if there is one.
+std::optional<double> magnitude(std::string_view text) {
   const bool hex = text.starts_with("0x") || text.starts_with("0X");
   std::string_view number = hex ? text.substr(2) : text;
-  if (hex && !startsWithDigit(number.substr(number.starts_with('.')), hexDigits)) return 0;
-  if (number.starts_with('-')) return 0; // a second sign
+  if (hex && !startsWithDigit(number.substr(number.starts_with('.')), hexDigits)) return 0; // before the x
+  if (number.starts_with('-')) return {};                                                   // a second sign
   double value = 0;
   const auto format = hex ? std::chars_format::hex : std::chars_format::general;
   const std::errc error = std::from_chars(number.data(), number.data() + number.size(), value, format).ec;
+  if (error == std::errc::invalid_argument) return {};
   if (error != std::errc::result_out_of_range) return value;
   const bool large = hex ? isLarge(number, hexDigits, 4) : isLarge(number, digits, 1);
   return large ? std::numeric_limits<double>::infinity() : 0;
@@ -106,8 +109,9 @@ template std::uint64_t read(std::string_view) noexcept;
 template <>
 double read(std::string_view text) noexcept {
   const bool negative = takeSign(text);
-  const double value = magnitude(text);
-  return negative ? -value : value;
+  const std::optional<double> value = magnitude(text);
+  if (!value) return 0;
+  return negative ? -*value : *value;
 }
 
 template <>

@@ -110,7 +110,8 @@ TEST_P(ioContextTest, misuseFailsAndWritesNothing) {
   const std::size_t endPacket = qvTest::isText(GetParam()) ? 8 : 12;
   for (const auto& row : rows) {
     ioStatus status = ioOK;
-    EXPECT_EQ(write(row.misuse, &status), empty.substr(0, empty.size() - (row.endPacket ? 0 : endPacket))) << row.line;
+    EXPECT_EQ(write(row.misuse, &status), empty.substr(0, empty.size() - (row.endPacket ? 0 : endPacket)))
+        << row.line;
     EXPECT_EQ(status, ioFailed) << row.line;
   }
   qvTest::MemoryOutput out;
@@ -158,7 +159,8 @@ TEST_P(ioContextTest, filesStandOneAfterAnother) {
                                          {"t"}, [](ioWriteContext& c) { packet(c, 3); });
   for (const std::string& last : {other, std::string()}) { // encoded in another way, or nothing
     std::vector<int> read;
-    PacketReading reading(file(1) + file(2) + last, {{"t", [&](ioReadContext& c) { read.push_back(c.fetchInt()); }}});
+    PacketReading reading(file(1) + file(2) + last,
+                          {{"t", [&](ioReadContext& c) { read.push_back(c.fetchInt()); }}});
     EXPECT_EQ(reading.read(), ioOK);
     EXPECT_TRUE(reading.context->reusePacketFile());
     EXPECT_EQ(reading.read(), ioOK);
