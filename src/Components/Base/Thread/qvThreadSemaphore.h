@@ -10,8 +10,8 @@ struct SemaphoreImpl;
 /// A count from 0 to `maxValue()`. Any thread may wait and post.
 class Semaphore {
 public:
-  /// Throws `qvUtil::Error` with code 1 and the system's text where `initial` is above `maxValue()`, and where
-  /// the system has no more of them.
+  /// Throws `qvUtil::Error` with code 1 and the system's text where `initial` is above `maxValue()`, and
+  /// where the system has no more of them.
   QV_BASE_API explicit Semaphore(unsigned initial = 0);
   /// Nobody waits. Throws `qvUtil::Error` with code 1 and the system's text where the system refuses to close
   /// what it gave; nothing is lost then.

@@ -6,10 +6,13 @@
 
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <linux/futex.h>
 #include <linux/magic.h>
 #include <stdio.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <sys/vfs.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -52,6 +55,17 @@ int isRemoteFileSystem(const char* path) noexcept {
          std::end(remoteFileSystems);
 }
 
+int sleepOn(const std::atomic<std::uint32_t>* word, std::uint32_t value, std::int64_t deadline) noexcept {
+  static_assert(sizeof *word == 4 && sizeof(timespec) == 16);
+  const timespec until{deadline / 1'000'000'000, static_cast<long>(deadline % 1'000'000'000)};
+  return static_cast<int>(::syscall(SYS_futex, word, FUTEX_WAIT_BITSET_PRIVATE, value,
+                                    deadline < 0 ? nullptr : &until, nullptr, FUTEX_BITSET_MATCH_ANY));
+}
+
+int wakeOn(const std::atomic<std::uint32_t>* word) noexcept {
+  return static_cast<int>(::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, 1));
+}
+
 } // namespace qvPlatform
 
 #else
@@ -72,6 +86,8 @@ int cloneBlocks(int, int) noexcept { return notHere(); }
 ssize_t copyInside(int, int, std::size_t) noexcept { return notHere(); }
 int reserveBlocks(int, std::int64_t) noexcept { return notHere(); }
 int isRemoteFileSystem(const char*) noexcept { return 0; }
+int sleepOn(const std::atomic<std::uint32_t>*, std::uint32_t, std::int64_t) noexcept { return notHere(); }
+int wakeOn(const std::atomic<std::uint32_t>*) noexcept { return notHere(); }
 
 } // namespace qvPlatform
 

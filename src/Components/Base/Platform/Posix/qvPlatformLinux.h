@@ -2,6 +2,7 @@
 // ENOSYS where there is no such thing.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <sys/types.h>
@@ -18,5 +19,11 @@ namespace qvPlatform {
 [[nodiscard]] int reserveBlocks(int file, std::int64_t size) noexcept;
 /// Whether the file system of that path is another machine's: 1, 0, or -1.
 [[nodiscard]] int isRemoteFileSystem(const char* path) noexcept;
+/// Sleeps if `*word` is `value`, until it is woken, or until the steady clock shows so many nanoseconds; for
+/// good where those are below 0.
+[[nodiscard]] int sleepOn(const std::atomic<std::uint32_t>* word, std::uint32_t value,
+                          std::int64_t deadline) noexcept;
+/// Wakes one that sleeps on that word, which need not exist any more.
+[[nodiscard]] int wakeOn(const std::atomic<std::uint32_t>* word) noexcept;
 
 } // namespace qvPlatform

@@ -94,7 +94,7 @@ std::string systemErrorText(int number) {
   int length = static_cast<int>(::FormatMessageW(flags, nullptr, static_cast<DWORD>(number), 0, text,
                                                  static_cast<DWORD>(std::size(text)), nullptr));
   while (length > 0 && text[length - 1] <= L' ') --length;
-  return length > 0 ? inDefaultEncoding(text, length) : "Unknown error " + std::to_string(number);
+  return length > 0 ? inDefaultEncoding(text, length) : "An unknown WIN32 error occurred: " + std::to_string(number);
 }
 
 } // namespace qvPlatform

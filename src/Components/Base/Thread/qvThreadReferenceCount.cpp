@@ -1,0 +1,7 @@
+#include "Base/Thread/qvThreadReferenceCount.h"
+
+namespace qvThread {
+
+ReferenceCount::~ReferenceCount() = default;
+
+} // namespace qvThread
