@@ -5,6 +5,7 @@
 #include "Base/Platform/qvPlatformTime.h"
 
 #include <atomic>
+#include <errno.h>
 #include <limits.h>
 #include <limits>
 #include <mutex>
