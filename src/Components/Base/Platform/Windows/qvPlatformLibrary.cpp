@@ -1,0 +1,42 @@
+#include "Base/Platform/qvPlatformLibrary.h"
+
+#include "Base/Platform/Windows/qvPlatformSystem.h"
+
+namespace qvPlatform {
+
+namespace {
+
+/// Keeps the system from asking the user, about a missing disk for one.
+class NoQuestions {
+public:
+  NoQuestions() noexcept : before_(::SetErrorMode(SEM_FAILCRITICALERRORS)) {}
+  ~NoQuestions() { ::SetErrorMode(before_); }
+  NoQuestions(const NoQuestions&) = delete;
+  NoQuestions& operator=(const NoQuestions&) = delete;
+
+private:
+  UINT before_;
+};
+
+} // namespace
+
+void* loadLibrary(const char* path, std::string* failure) {
+  const NoQuestions scope;
+  HMODULE library = nullptr;
+  const int error = pathCall("loadLibrary", path, [&](const wchar_t* file) {
+    library = ::LoadLibraryW(file);
+    return library != nullptr;
+  });
+  if (error) *failure = nativeText(systemText(error));
+  return error ? nullptr : library;
+}
+
+void* librarySymbol(void* library, const char* name, std::string* failure) {
+  void* const symbol = reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
+  if (!symbol) *failure = nativeText(systemText(lastError()));
+  return symbol;
+}
+
+void unloadLibrary(void* library) noexcept { ::FreeLibrary(static_cast<HMODULE>(library)); }
+
+} // namespace qvPlatform
