@@ -12,6 +12,9 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 namespace qvTest::system {
 
@@ -24,6 +27,14 @@ inline void removeVariable(const char* name) { ::unsetenv(name); }
 // ---- Descriptors ----
 
 inline void openPipe(int* ends) { (void)::pipe2(ends, O_NONBLOCK | O_CLOEXEC); }
+
+// ---- Libraries ----
+
+inline bool isMapped(const std::string& fileName) {
+  std::ifstream maps("/proc/self/maps");
+  const std::string all{std::istreambuf_iterator<char>(maps), {}};
+  return all.find('/' + fileName + '\n') != std::string::npos;
+}
 
 // ---- Sockets ----
 

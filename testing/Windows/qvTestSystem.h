@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 
 namespace qvTest::system {
 
@@ -20,6 +21,14 @@ inline void removeVariable(const char* name) { ::_putenv_s(name, ""); }
 // ---- Descriptors ----
 
 inline void openPipe(int* ends) { (void)::_pipe(ends, 65536, _O_BINARY | _O_NOINHERIT); }
+
+// ---- Libraries ----
+
+inline bool isMapped(const std::string& fileName) {
+  wchar_t name[MAX_PATH] = {};
+  ::MultiByteToWideChar(CP_UTF8, 0, fileName.c_str(), -1, name, MAX_PATH);
+  return ::GetModuleHandleW(name) != nullptr;
+}
 
 // ---- Sockets ----
 
