@@ -1,6 +1,5 @@
 #include "Base/Plugin/qvDebugDraw.h"
 
-#include "Base/OS/qvOSNativePath.h"
 #include "Base/Platform/qvPlatformEnvironment.h"
 #include "Base/Plugin/qvPluginPluginLoader.h"
 
@@ -11,9 +10,8 @@ namespace qvDebugDraw {
 namespace {
 
 qv::Reference<qvPlugin::Plugin> loadPlugin() {
-  const std::string path = qvPlatform::environmentVariable("QV_DEBUGDRAW_PLUGIN");
   qvPlugin::PluginLoader loader;
-  return loader.load(qvOS::Filename(qvOS::fromNativePath(path.c_str())));
+  return loader.load(qvPlatform::environmentVariable("QV_DEBUGDRAW_PLUGIN").c_str());
 }
 
 BaseIFace* theIFace() {

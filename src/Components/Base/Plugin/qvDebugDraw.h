@@ -10,8 +10,8 @@ namespace qvDebugDraw {
 /// Three coordinates, in whatever unit the plug-in shows.
 using Point = double[3];
 
-/// What the plug-in implements. It exports a function "getDebugDrawIFace" with C linkage and without arguments
-/// that returns one, which the plug-in keeps. Virtual order is part of the interface.
+/// What the plug-in implements. It exports a function "getDebugDrawIFace" with C linkage and without
+/// arguments that returns one, which the plug-in keeps. Virtual order is part of the interface.
 ///
 /// An operation without "Add" begins a new picture of its kind; one with "Add" adds to it.
 class QV_BASE_API BaseIFace {

@@ -13,8 +13,8 @@ namespace qvPlugin {
 
 class PluginImpl;
 
-/// A shared library in this process. `PluginLoader` makes one; the last `qv::Reference` unloads it, so code and
-/// data of the library must not be used longer than a reference is held.
+/// A shared library in this process. `PluginLoader` makes one; the last `qv::Reference` unloads it, so code
+/// and data of the library must not be used longer than a reference is held.
 ///
 /// A library may export these functions, with C linkage and without arguments; one that is missing is passed
 /// over:

@@ -10,8 +10,8 @@ class PluginImpl {
 public:
   explicit PluginImpl(const qvOS::Filename& file) : filename_(file) {}
 
-  /// Loads the library and calls its "initializePlugin". False where that failed, with an error, or without one
-  /// where there is no such file.
+  /// Loads the library and calls its "initializePlugin". False where that failed, with an error, or without
+  /// one where there is no such file.
   bool load();
   /// Undoes `load`, unless the library is to stay.
   void unload();

@@ -10,7 +10,8 @@
 
 namespace qvPlugin {
 
-/// Loads libraries and keeps the error of the last call. A value; copies share nothing. Narrow paths are UTF-8.
+/// Loads libraries and keeps the error of the last call. A value; copies share nothing. Narrow paths are
+/// UTF-8.
 class PluginLoader {
 public:
   PluginLoader() = default;

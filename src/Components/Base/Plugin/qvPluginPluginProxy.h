@@ -39,8 +39,8 @@ public:
   /// The index of a service, or -1.
   [[nodiscard]] int findService(const Service* service) const;
 
-  /// Loads the main plug-in if nobody tried yet; there is one attempt. @return whether it is loaded. Where the
-  /// attempt fails the error tells why; later calls clear it.
+  /// Loads the main plug-in if nobody tried yet; there is one attempt. @return whether it is loaded. Where
+  /// the attempt fails the error tells why; later calls clear it.
   bool loadMainPlugin();
   /// The main plug-in, loaded now if nobody tried yet; null where that failed.
   [[nodiscard]] qv::Reference<Plugin> getMainPlugin();

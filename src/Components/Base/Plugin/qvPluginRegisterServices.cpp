@@ -18,7 +18,8 @@ using WideView = std::basic_string_view<qv::WChar>;
 
 bool holdsDebugSymbols(WideView suffix) {
   const std::string_view platforms = qvPlatform::debugSymbolSuffix;
-  return suffix == QV_W("pdb") || std::equal(suffix.begin(), suffix.end(), platforms.begin(), platforms.end());
+  return suffix == QV_W("pdb") ||
+         std::equal(suffix.begin(), suffix.end(), platforms.begin(), platforms.end());
 }
 
 bool isDeclarationLibrary(const qvOS::Filename& file) {

@@ -10,8 +10,8 @@
 namespace qvPlugin {
 
 /// Base of all services. A host derives one abstract class for each type of service that it knows; plug-ins
-/// derive from those. Services are made with `new`, registered, and held through `qv::Reference`. Virtual order
-/// is part of the interface. Not thread-safe.
+/// derive from those. Services are made with `new`, registered, and held through `qv::Reference`. Virtual
+/// order is part of the interface. Not thread-safe.
 class QV_BASE_API Service : public qv::ReferenceCount {
 public:
   /// A service of the application. With `allowOverride` a later service of its type and name takes its place.

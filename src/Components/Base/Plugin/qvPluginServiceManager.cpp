@@ -43,8 +43,8 @@ bool ServiceManager::addService(Service* service) {
   ServiceForType& type = findOrAddType(service->getServiceType());
   const int index = type.find(service->getName());
   if (index >= 0 && !type.at(index)->getAllowOverride()) {
-    qvOS::AppOutput::getInstance().error(
-        "Registration of a service failed.  The name is already used: %s\n", service->getName());
+    qvOS::AppOutput::getInstance().error("Registration of a service failed.  The name is already used: %s\n",
+                                         service->getName());
     return false;
   }
   const qv::Reference<Service> added(service); // which may be the one that makes room

@@ -17,9 +17,9 @@ class ServiceForType;
 /// keeps it longer takes a `qv::Reference`.
 class QV_BASE_API ServiceManager {
 public:
-  /// The one manager, made in the first call. It is not destroyed when the process ends, where plug-ins may no
-  /// longer be called. A host that wants to see its plug-ins go before that deletes the manager; the next call
-  /// makes a new one.
+  /// The one manager, made in the first call. It is not destroyed when the process ends, where plug-ins may
+  /// no longer be called. A host that wants to see its plug-ins go before that deletes the manager; the next
+  /// call makes a new one.
   [[nodiscard]] static ServiceManager* getInstance();
   /// Drops all services and with them, unless somebody else holds them, the plug-ins that they come from.
   virtual ~ServiceManager();
@@ -31,8 +31,8 @@ public:
   /// nothing. A library that cannot be loaded is told on the first stream of `qvOS::AppOutput`, one without
   /// services on the second, and the rest goes on.
   ///
-  /// A declaration library is a file whose name begins with "serviceDecl_" and has at least one character more
-  /// before its suffix, which is not one of files with debug symbols.
+  /// A declaration library is a file whose name begins with "serviceDecl_" and has at least one character
+  /// more before its suffix, which is not one of files with debug symbols.
   void registerServices(const char* subdirectory);
 
   /// Adds a service, which the manager then holds. One of the same type and name that allows to be overridden

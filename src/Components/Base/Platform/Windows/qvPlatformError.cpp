@@ -58,13 +58,14 @@ constexpr struct {
 };
 
 /// In the encoding of the C runtime's locale. That of the "C" locale has the first 256 codes.
-std::string inDefaultEncoding(const wchar_t* text, int length) {
+std::string inDefaultEncoding(const std::wstring& text) {
   constexpr UINT latin1 = 28591;
   const UINT locale = ___lc_codepage_func();
   const UINT page = locale ? locale : latin1;
-  const int size = ::WideCharToMultiByte(page, 0, text, length, nullptr, 0, nullptr, nullptr);
+  const int length = static_cast<int>(text.size());
+  const int size = ::WideCharToMultiByte(page, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
   std::string result(static_cast<std::size_t>(size), '\0');
-  ::WideCharToMultiByte(page, 0, text, length, result.data(), size, nullptr, nullptr);
+  ::WideCharToMultiByte(page, 0, text.data(), length, result.data(), size, nullptr, nullptr);
   return result;
 }
 
@@ -88,13 +89,19 @@ bool isNotFound(int number) noexcept {
 
 int lastError() noexcept { return static_cast<int>(::GetLastError()); }
 
-std::string systemErrorText(int number) {
+std::wstring systemText(int number) {
   wchar_t text[1024];
   constexpr DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
-  int length = static_cast<int>(::FormatMessageW(flags, nullptr, static_cast<DWORD>(number), 0, text,
-                                                 static_cast<DWORD>(std::size(text)), nullptr));
+  std::size_t length = ::FormatMessageW(flags, nullptr, static_cast<DWORD>(number), 0, text,
+                                        static_cast<DWORD>(std::size(text)), nullptr);
   while (length > 0 && text[length - 1] <= L' ') --length;
-  return length > 0 ? inDefaultEncoding(text, length) : "An unknown WIN32 error occurred: " + std::to_string(number);
+  return {text, length};
+}
+
+std::string systemErrorText(int number) {
+  const std::wstring text = systemText(number);
+  return text.empty() ? "An unknown WIN32 error occurred: " + std::to_string(number)
+                      : inDefaultEncoding(text);
 }
 
 } // namespace qvPlatform

@@ -89,6 +89,9 @@ private:
 /// that stands for another place.
 [[nodiscard]] bool isLink(DWORD attributes, DWORD tag) noexcept;
 
+/// The system's words for `number`, without a line end; empty where it has none.
+[[nodiscard]] std::wstring systemText(int number);
+
 /// The native form of a text of the system.
 [[nodiscard]] std::string nativeText(const std::wstring& text);
 

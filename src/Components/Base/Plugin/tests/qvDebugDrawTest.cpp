@@ -21,6 +21,7 @@ TEST(DebugDraw, ForwardsToThePluginOfTheEnvironment) {
   clear();
   show();
   show("title");
-  EXPECT_EQ(scene.told(2), "interface;point 1;add point 2;line 9;add line 6;note 1;more 3;highlit 1;clear;show;title;");
+  EXPECT_EQ(scene.told(2),
+            "interface;point 1;add point 2;line 9;add line 6;note 1;more 3;highlit 1;clear;show;title;");
   EXPECT_NE(loadIFace("getDebugDrawIFace"), nullptr);
 }

@@ -21,7 +21,7 @@ inline qvString::IString wide(const std::string& text) {
 /// Library files are named without their suffix, in UTF-8. The registry of services goes with the scene.
 class PluginScene {
 public:
-  static constexpr const char* main = "Alle Gr\xc3\xb6\xc3\x9f" "en";
+  static constexpr const char* main = "F\xc3\xbcr alle";
 
   PluginScene() {
     for (int stream = 0; stream < 3; ++stream) openStream(stream);

@@ -20,7 +20,9 @@ Shape* shape(const char* name) {
   return static_cast<Shape*>(ServiceManager::getInstance()->getService("shape", name));
 }
 
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
 
 } // namespace
 
@@ -71,8 +73,9 @@ TEST(Plugin, RegistrationTellsWhatIsBrokenAndGoesOn) {
   scene.registerServices();
 
   const std::string failed = scene.told(0), empty = scene.told(1);
-  for (const std::string& name : {PluginScene::file("serviceDecl_orphan"), PluginScene::file("serviceDecl_text"),
-                                  std::string("serviceDecl_upper.PDB")}) {
+  for (const std::string& name :
+       {PluginScene::file("serviceDecl_orphan"), PluginScene::file("serviceDecl_text"),
+        std::string("serviceDecl_upper.PDB")}) {
     const std::string line = "Proxy failed to load: " + scene.path(name) + "\n";
     const std::size_t at = failed.find(line);
     ASSERT_NE(at, std::string::npos) << name << " in: " << failed;
