@@ -64,15 +64,13 @@ std::string firstLine(const char* text) {
 
 /// Sorts the words into options, whose names are stored in `given`, and positional ones.
 /// @return what is wrong, empty where nothing is.
-std::string sortWords(int count, char** words, Arguments& arguments, std::vector<std::string>& given) {
+std::string sortWords(qv::vector<qvString::IString> remaining, Arguments& arguments,
+                      std::vector<std::string>& given) {
   qvOS::GetOpt options;
   options.addOption("compress", nullptr);
   options.addOption("json", nullptr);
   options.addOption("from", "string");
   options.addOption("into", "string");
-  qv::vector<qvString::IString> remaining;
-  for (int i = 0; i < count; ++i) remaining.append(fromNative(words[i]));
-
   bool onlyWords = false;
   while (!remaining.empty()) {
     const qvString::IString& next = remaining[0];
@@ -101,10 +99,10 @@ std::string sortWords(int count, char** words, Arguments& arguments, std::vector
 
 } // namespace
 
-std::optional<Arguments> readArguments(int count, char** words, std::string& problem) {
+std::optional<Arguments> readArguments(const qv::vector<qvString::IString>& words, std::string& problem) {
   Arguments arguments;
   std::vector<std::string> given;
-  problem = sortWords(count, words, arguments, given);
+  problem = sortWords(words, arguments, given);
   if (!problem.empty()) return std::nullopt;
   if (arguments.words.empty()) return problem = "no command", std::nullopt;
   arguments.command = arguments.words.front();

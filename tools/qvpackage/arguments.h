@@ -22,4 +22,5 @@ extern const char* const usage;
 
 /// Reads the words after the program's name. Words that are no options are positional wherever they stand,
 /// and every word after "--" is. @return nothing and a line in `problem` where they make no sense.
-[[nodiscard]] std::optional<Arguments> readArguments(int count, char** words, std::string& problem);
+[[nodiscard]] std::optional<Arguments> readArguments(const qv::vector<qvString::IString>& words,
+                                                     std::string& problem);

@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   std::setlocale(LC_CTYPE, "");
   prepareProcess();
   std::string problem;
-  const std::optional<Arguments> arguments = readArguments(argc - 1, argv + 1, problem);
+  const std::optional<Arguments> arguments = readArguments(commandLineWords(argc, argv), problem);
   if (!arguments) {
     std::fprintf(stderr, "qvpackage: %s\n%s", printable(problem).c_str(), usage);
     return 2;

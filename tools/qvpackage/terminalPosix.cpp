@@ -1,8 +1,15 @@
+#include "paths.h"
 #include "terminal.h"
 
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+
+qv::vector<qvString::IString> commandLineWords(int argc, char** argv) {
+  qv::vector<qvString::IString> words;
+  for (int i = 1; i < argc; ++i) words.append(fromNative(argv[i]));
+  return words;
+}
 
 bool errorsGoToTerminal() { return isatty(STDERR_FILENO) == 1; }
 
