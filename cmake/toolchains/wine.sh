@@ -19,7 +19,7 @@ quietly() { timeout 120 $as_user "$@" </dev/null >/dev/null 2>&1; }
 case $1 in
   --start)
     mkdir -p "$WINEPREFIX"
-    quietly wineserver64 -p
+    quietly wineserver64 -p || [ $? = 2 ] # 2: one is running
     [ -e "$WINEPREFIX/system.reg" ] || quietly wine64 wineboot -i
     ;;
   --stop) quietly wineserver64 -k || true ;;
