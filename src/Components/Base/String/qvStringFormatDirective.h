@@ -1,8 +1,12 @@
-// One directive of a format, from its `%` to its letter, and the scanner that reads it. Private to the
-// formatter.
+// One directive of a format, from its `%` to its letter, the scanner that reads it, and the argument that it
+// takes. Private to the formatter.
 #pragma once
 
 #include "Base/String/qvStringFormatEngine.h"
+
+#include <array>
+#include <cstddef>
+#include <type_traits>
 
 namespace qvString {
 
@@ -124,6 +128,61 @@ Directive<C> scanDirective(const C* p) noexcept {
   directive.letter = ascii && *p != '%' ? static_cast<char>(*p) : '\0';
   directive.end = *p && *p != '%' ? p + 1 : p;
   return directive;
+}
+
+/// What a directive prints.
+enum class Kind : unsigned char { Unknown, Signed, Unsigned, Floating, Pointer, String, Character };
+
+/// The kind that each letter stands for, if its size is one of that kind.
+inline constexpr auto kindsOfLetters = [] {
+  std::array<Kind, 128> kinds{};
+  const auto set = [&kinds](const char* letters, Kind kind) {
+    for (; *letters; ++letters) kinds[static_cast<std::size_t>(*letters)] = kind;
+  };
+  set("di", Kind::Signed);
+  set("uoxX", Kind::Unsigned);
+  set("aAeEfFgG", Kind::Floating);
+  set("p", Kind::Pointer);
+  set("sS", Kind::String);
+  set("cC", Kind::Character);
+  return kinds;
+}();
+
+/// For each kind the sizes that it may have, a bit for each.
+inline constexpr auto sizesOfKinds = [] {
+  const auto bits = [](auto... sizes) { return ((1u << static_cast<unsigned>(sizes)) | ...); };
+  const unsigned all = ~0u, text = bits(Size::None, Size::Short, Size::Long, Size::Wide);
+  std::array<unsigned, 7> sizes{};
+  const auto set = [&sizes](Kind kind, unsigned which) { sizes[static_cast<std::size_t>(kind)] = which; };
+  set(Kind::Unknown, all);
+  set(Kind::Signed, all & ~bits(Size::Wide));
+  set(Kind::Unsigned, all & ~bits(Size::Wide));
+  set(Kind::Floating, bits(Size::None, Size::Long, Size::LongDouble));
+  set(Kind::Pointer, bits(Size::None));
+  set(Kind::String, text);
+  set(Kind::Character, text);
+  return sizes;
+}();
+
+/// `Unknown` for what is printed as it stands and takes no argument.
+template <class C>
+Kind kindOf(const Directive<C>& directive) noexcept {
+  const Kind kind = kindsOfLetters[static_cast<std::size_t>(directive.letter)];
+  const unsigned sizes = sizesOfKinds[static_cast<std::size_t>(kind)];
+  return sizes >> static_cast<unsigned>(directive.size) & 1 ? kind : Kind::Unknown;
+}
+
+/// Whether a string or a character is a wide one. The runtime's reading of the letters is the width of the
+/// format for the small one and the other width for the capital; a plain directive in a wide format has it
+/// exchanged.
+template <class C>
+bool takesWide(const Directive<C>& directive, const C* afterPercent) noexcept {
+  if (directive.size != Size::None) return directive.size != Size::Short;
+  const bool capital = directive.letter == 'S' || directive.letter == 'C';
+  if constexpr (std::is_same_v<C, char>)
+    return capital;
+  else
+    return capital == (plainLetter(afterPercent) + 1 == directive.end);
 }
 
 } // namespace qvString

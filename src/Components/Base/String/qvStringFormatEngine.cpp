@@ -118,57 +118,23 @@ private:
 
   /// False, with no argument read, for a directive that isn't known.
   bool print(Parsed& parsed, const C* afterPercent) noexcept {
-    switch (parsed.letter) {
-    case 'd':
-    case 'i':
-      return isIntegerSize(parsed.size) && (fetchStars(parsed), signedInteger(parsed), true);
-    case 'u':
-    case 'o':
-    case 'x':
-    case 'X':
-      return isIntegerSize(parsed.size) && (fetchStars(parsed), unsignedInteger(parsed), true);
-    case 'a':
-    case 'A':
-    case 'e':
-    case 'E':
-    case 'f':
-    case 'F':
-    case 'g':
-    case 'G':
-      return isFloatSize(parsed.size) && (fetchStars(parsed), floating(parsed), true);
-    case 'p':
-      return parsed.size == Size::None && (fetchStars(parsed), pointer(parsed), true);
-    case 's':
-    case 'S':
-      return isTextSize(parsed.size) &&
-             (fetchStars(parsed), string(parsed, takesWide(parsed, afterPercent)), true);
-    case 'c':
-    case 'C':
-      return isTextSize(parsed.size) &&
-             (fetchStars(parsed), character(parsed, takesWide(parsed, afterPercent)), true);
-    default:
+    switch (kindOf(parsed)) {
+    case Kind::Unknown:
       return false;
+    case Kind::Signed:
+      return fetchStars(parsed), signedInteger(parsed), true;
+    case Kind::Unsigned:
+      return fetchStars(parsed), unsignedInteger(parsed), true;
+    case Kind::Floating:
+      return fetchStars(parsed), floating(parsed), true;
+    case Kind::Pointer:
+      return fetchStars(parsed), pointer(parsed), true;
+    case Kind::String:
+      return fetchStars(parsed), string(parsed, takesWide(parsed, afterPercent)), true;
+    case Kind::Character:
+      return fetchStars(parsed), character(parsed, takesWide(parsed, afterPercent)), true;
     }
-  }
-
-  static bool isIntegerSize(Size size) noexcept { return size != Size::Wide; }
-  static bool isFloatSize(Size size) noexcept {
-    return size == Size::None || size == Size::Long || size == Size::LongDouble;
-  }
-  static bool isTextSize(Size size) noexcept {
-    return size == Size::None || size == Size::Short || size == Size::Long || size == Size::Wide;
-  }
-
-  /// Whether `%s` or `%c` takes a wide argument. The runtime's reading of the letters is the width of the
-  /// format for the small one and the other width for the capital; a plain directive in a wide format has it
-  /// exchanged.
-  static bool takesWide(const Parsed& parsed, const C* afterPercent) noexcept {
-    if (parsed.size != Size::None) return parsed.size != Size::Short;
-    const bool capital = parsed.letter == 'S' || parsed.letter == 'C';
-    if constexpr (std::is_same_v<C, char>)
-      return capital;
-    else
-      return capital == (plainLetter(afterPercent) + 1 == parsed.end);
+    return false;
   }
 
   void fetchStars(Parsed& parsed) noexcept {
