@@ -95,7 +95,8 @@ public:
   qv::pair<const Address*, qvUtil::Error> remoteAddress();
 
   /// A C stream, open for reading and writing, over a duplicate of the socket's descriptor. It is made once,
-  /// stays this socket's own and is closed with it.
+  /// stays this socket's own and is closed with it. Between reading and writing again the caller seeks by 0,
+  /// as C wants it; that this fails means nothing.
   /// @return no error; code 2 without a socket; code 1 where it cannot be made.
   qvUtil::Error getCStream(std::FILE*& stream);
   qv::pair<std::FILE*, qvUtil::Error> getCStream();
