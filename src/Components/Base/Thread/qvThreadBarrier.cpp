@@ -4,7 +4,9 @@
 #include "Base/Thread/qvThreadCondition.h"
 #include "Base/Thread/qvThreadMutex.h"
 #include "Base/Thread/qvThreadReferenceCount.h"
+#include "Base/Thread/qvThreadYield.h"
 
+#include <atomic>
 #include <cstdint>
 
 namespace qvThread {
@@ -17,30 +19,40 @@ public:
   void wait();
 
 private:
+  void awaitPhase(bool entering, MutexOp& op);
+
   // A condition that the system refuses to close ends the process here: nobody is left to tell.
   ~Impl() noexcept override = default;
 
   Condition condition_;
   const std::int32_t total_;
-  std::int32_t count_ = 0; // threads inside
-  bool entering_ = true;
+  std::int32_t count_ = 0;           // threads inside
+  std::atomic<bool> entering_{true}; // written under the mutex, and looked at without it
 };
 
 void Barrier::Impl::wait() {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
-  while (!entering_) condition_.wait();
+  awaitPhase(true, op);
   if (++count_ == total_) {
     entering_ = false;
     condition_.broadcast();
   } else {
-    while (entering_ && count_ != total_) condition_.wait();
+    awaitPhase(false, op);
   }
   if (--count_ == 0) {
     entering_ = true;
     condition_.broadcast();
   }
   op.unlock();
+}
+
+void Barrier::Impl::awaitPhase(bool entering, MutexOp& op) {
+  if (entering_ == entering) return;
+  op.unlock();
+  yieldUntil([&] { return entering_.load(std::memory_order_relaxed) == entering; });
+  op.lock();
+  while (entering_ != entering) condition_.wait();
 }
 
 Barrier::Barrier(int total) : impl_(new Impl(total)) {}
