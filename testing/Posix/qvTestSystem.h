@@ -6,7 +6,9 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,6 +25,29 @@ namespace qvTest::system {
 inline constexpr const char* temporaryPlaceVariable = "TMPDIR";
 inline void setVariable(const char* name, const char* value) { ::setenv(name, value, 1); }
 inline void removeVariable(const char* name) { ::unsetenv(name); }
+
+// ---- Processors ----
+
+/// A bit for each of the first 64 processors that this thread, and those it starts, may run on.
+inline std::uint64_t processors() {
+  std::uint64_t mask = 0;
+  cpu_set_t set;
+  if (::sched_getaffinity(0, sizeof set, &set) != 0) return 0;
+  for (int i = 0; i < 64; ++i) mask |= std::uint64_t{CPU_ISSET(i, &set) != 0} << i;
+  return mask;
+}
+inline void setProcessors(std::uint64_t mask) {
+  cpu_set_t set;
+  CPU_ZERO(&set);
+  for (int i = 0; i < 64; ++i)
+    if (mask >> i & 1) CPU_SET(i, &set);
+  (void)::sched_setaffinity(0, sizeof set, &set);
+}
+inline double processorSeconds() {
+  timespec used{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+  return double(used.tv_sec) + double(used.tv_nsec) * 1e-9;
+}
 
 // ---- Descriptors ----
 

@@ -18,6 +18,23 @@ inline constexpr const char* temporaryPlaceVariable = "TMP";
 inline void setVariable(const char* name, const char* value) { ::_putenv_s(name, value); }
 inline void removeVariable(const char* name) { ::_putenv_s(name, ""); }
 
+// ---- Processors ----
+
+/// A bit for each processor that this process may run on.
+inline std::uint64_t processors() {
+  DWORD_PTR mask = 0, all = 0;
+  return ::GetProcessAffinityMask(::GetCurrentProcess(), &mask, &all) ? mask : 0;
+}
+inline void setProcessors(std::uint64_t mask) { ::SetProcessAffinityMask(::GetCurrentProcess(), mask); }
+inline double processorSeconds() {
+  FILETIME created, ended, kernel = {}, user = {};
+  ::GetProcessTimes(::GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto ticks = [](FILETIME time) {
+    return double(time.dwHighDateTime) * 4294967296.0 + time.dwLowDateTime;
+  };
+  return (ticks(kernel) + ticks(user)) * 1e-7;
+}
+
 // ---- Descriptors ----
 
 inline void openPipe(int* ends) { (void)::_pipe(ends, 65536, _O_BINARY | _O_NOINHERIT); }

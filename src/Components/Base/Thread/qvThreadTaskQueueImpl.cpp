@@ -246,7 +246,9 @@ void QueueImpl::finish(TaskNode* node) {
     --numActive_;
     if (!waiting) return;
     node = parent;
-    if (node->state != TaskFinished) return goOn(*node);
+    if (node->state == TaskFinished) continue;
+    if (cancelled()) node->skip = true; // its children were perhaps not executed
+    return goOn(*node);
   }
 }
 
