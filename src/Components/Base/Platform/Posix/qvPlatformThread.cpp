@@ -39,6 +39,10 @@ void wakeOne(const std::atomic<std::uint32_t>& word) noexcept {
 class FairCount {
 public:
   explicit FairCount(std::uint32_t initial) noexcept : count_(initial) {}
+  /// Whoever has posted to the last waiter may not be out yet.
+  ~FairCount() { const std::lock_guard guard(lock_); }
+  FairCount(const FairCount&) = delete;
+  FairCount& operator=(const FairCount&) = delete;
 
   /// Comes into the queue before it unlocks `mutex`, which may be null.
   bool wait(CriticalSection* mutex, std::uint32_t milliseconds) noexcept {
