@@ -13,8 +13,8 @@ public:
   /// Throws `qvUtil::Error` with code 1 and the system's text where `initial` is above `maxValue()`, and
   /// where the system has no more of them.
   QV_BASE_API explicit Semaphore(unsigned initial = 0);
-  /// Nobody waits. Throws `qvUtil::Error` with code 1 and the system's text where the system refuses to close
-  /// what it gave; nothing is lost then.
+  /// Nobody waits. Threads whose posts have been taken need not be out of `post` yet. Throws `qvUtil::Error`
+  /// with code 1 and the system's text where the system refuses to close what it gave; nothing is lost then.
   QV_BASE_API ~Semaphore() noexcept(false);
   Semaphore(const Semaphore&) = delete;
   Semaphore& operator=(const Semaphore&) = delete;

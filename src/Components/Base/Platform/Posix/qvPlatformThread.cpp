@@ -181,8 +181,9 @@ std::string startThreadErrorText(int number) { return systemErrorText(number); }
 
 int joinThread(ThreadHandle thread) noexcept {
   int error = beforeCall("joinThread");
-  if (!error) error = pthread_join(nativeThread(thread), nullptr);
-  if (error) detachThread(thread);
+  if (!error && pthread_equal(nativeThread(thread), pthread_self())) error = EDEADLK;
+  if (!error) return pthread_join(nativeThread(thread), nullptr);
+  detachThread(thread);
   return error;
 }
 
