@@ -1,6 +1,7 @@
 #include "look.h"
 
 #include "paths.h"
+#include "printable.h"
 #include "report.h"
 
 #include "Base/IO/ioPackageFile.h"

@@ -2,6 +2,7 @@
 #include "arguments.h"
 #include "change.h"
 #include "look.h"
+#include "printable.h"
 #include "report.h"
 #include "terminal.h"
 

@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include "printable.h"
 #include "terminal.h"
 
 #include "Base/String/qvStringIString.h"
@@ -47,23 +48,6 @@ void Progress::show(std::int64_t done) {
   std::fprintf(stderr, "\r%s [%-*s] %3d%%", label_, width, bar.c_str(), static_cast<int>(percent));
   std::fflush(stderr);
   barOnScreen = true;
-}
-
-std::string printable(const std::string& text) {
-  const auto byteAt = [&](std::size_t i) {
-    return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-  };
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const unsigned byte = byteAt(i);
-    // Past ASCII, control characters are 0xC2 and a byte of 0x80 to 0x9F.
-    const unsigned second = byte == 0xC2 ? byteAt(i + 1) : i > 0 && byteAt(i - 1) == 0xC2 ? byte : 0;
-    const bool isControl = byte < 0x20 || byte == 0x7F || (second >= 0x80 && second < 0xA0);
-    char escape[8];
-    std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-    out += isControl ? std::string(escape) : std::string(1, text[i]);
-  }
-  return out;
 }
 
 std::string jsonString(const std::string& text) {

@@ -31,10 +31,6 @@ private:
   bool visible_;
 };
 
-/// `text` for a person to read: control characters, which could end the line or rule the terminal, are
-/// written as in "\x0a".
-[[nodiscard]] std::string printable(const std::string& text);
-
 /// `text` as a JSON string, quotes included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string jsonString(const std::string& text);
 

@@ -1,5 +1,6 @@
-#include "paths.h"
 #include "terminal.h"
+
+#include "Base/OS/qvOSNativePath.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -7,7 +8,7 @@
 
 qv::vector<qvString::IString> commandLineWords(int argc, char** argv) {
   qv::vector<qvString::IString> words;
-  for (int i = 1; i < argc; ++i) words.append(fromNative(argv[i]));
+  for (int i = 1; i < argc; ++i) words.append(qvOS::fromNativePath(argv[i]));
   return words;
 }
 

@@ -1,4 +1,4 @@
-// What the tool asks of the terminal and of the process it runs in.
+// What the tools ask of the terminal and of the process it runs in.
 #pragma once
 
 #include "Base/Containers/qvVector.h"
