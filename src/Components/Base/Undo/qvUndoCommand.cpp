@@ -2,15 +2,16 @@
 
 #include "Base/Undo/qvUndoDetail.h"
 #include "Base/Undo/qvUndoGroup.h"
-#include "Base/Undo/qvUndoReport.h"
+#include "Base/Undo/qvUndoName.h"
+
+#include <cstring>
 
 namespace qvUndo {
 
-Command::Command(Group* group, const char* name) : name_(copyOfName(name)) { addToGroup(group); }
+Command::Command(Group* group, const char* name) : name_(nameFor(group, name)) { addToGroup(group); }
 
 Command::~Command() {
-  if (id_ != 0)
-    qvUndoReport("    qvUndo::Command: delete (%s, 0x%p)\n", name_.get(), static_cast<void*>(this));
+  if (id_ != 0) report("    qvUndo::Command: delete (%s, 0x%p)\n", textOf(name_), static_cast<void*>(this));
 }
 
 int Command::getNumBytesUsed() const { return 1024; }
@@ -21,22 +22,31 @@ void Command::addToGroup(Group* group) {
   if (!group) return;
   id_ = group->nextCommandId();
   group->addCommand(this);
-  qvUndoReport("    qvUndo::Command: new (%s, 0x%p)\n", name_.get(), static_cast<void*>(this));
+  report("    qvUndo::Command: new (%s, 0x%p)\n", textOf(name_), static_cast<void*>(this));
 }
 
-const char* Command::getName() const noexcept { return name_ ? name_.get() : "noname"; }
+const char* Command::getName() const noexcept { return name_ ? name_->text() : "noname"; }
+
+/// Commands of one group often have one name: it is kept once.
+qv::Reference<const Name> Command::nameFor(const Group* group, const char* name) {
+  const Command* const newest = group ? group->getCommand(group->numCommands() - 1) : nullptr;
+  const bool isSame = name && newest && newest->name_ && std::strcmp(newest->name_->text(), name) == 0;
+  return isSame ? newest->name_ : Name::copyOf(name);
+}
+
+int Command::numBytesToReport() const { return isReporting() ? getNumBytesUsed() : 0; }
 
 bool Command::doIt() {
   if (!isValid()) return false;
   bool succeeded = true;
   if (!lastWasDoIt()) {
-    qvUndoReport("    + qvUndo::Command: doIt (%s, 0x%p), %d bytes\n", name_.get(), static_cast<void*>(this),
-                 getNumBytesUsed());
+    report("    + qvUndo::Command: doIt (%s, 0x%p), %d bytes\n", textOf(name_), static_cast<void*>(this),
+           numBytesToReport());
     succeeded = doAction();
   }
   stateDone();
   if (!succeeded) {
-    qvUndoReport("    - qvUndo::Command: 'do' of %s returned failure.  Marking invalid.\n", getName());
+    report("    - qvUndo::Command: 'do' of %s returned failure.  Marking invalid.\n", getName());
     stateInvalid();
   }
   return succeeded;
@@ -46,13 +56,13 @@ bool Command::undoIt() {
   if (!isValid()) return false;
   bool succeeded = true;
   if (!lastWasUndoIt()) {
-    qvUndoReport("    - qvUndo::Command: undoIt (%s, 0x%p), %d bytes\n", name_.get(),
-                 static_cast<void*>(this), getNumBytesUsed());
+    report("    - qvUndo::Command: undoIt (%s, 0x%p), %d bytes\n", textOf(name_), static_cast<void*>(this),
+           numBytesToReport());
     succeeded = undoAction();
   }
   stateUndone();
   if (!succeeded) {
-    qvUndoReport("    - qvUndo::Command: undo of %s returned failure.  Marking invalid.\n", getName());
+    report("    - qvUndo::Command: undo of %s returned failure.  Marking invalid.\n", getName());
     stateInvalid();
   }
   return succeeded;

@@ -2,14 +2,15 @@
 #pragma once
 
 #include "Base/Undo/qvUndoState.h"
+#include "Base/Utility/qvReferenceCount.h"
 #include "Base/qvBase.h"
 
 #include <cstdint>
-#include <memory>
 
 namespace qvUndo {
 
 class Group;
+class Name;
 
 /// One change and the way back from it. It belongs to at most one group, which deletes it. Virtual order is
 /// part of the interface.
@@ -51,8 +52,11 @@ public:
   [[nodiscard]] int getID() const noexcept { return id_; }
 
 private:
+  static qv::Reference<const Name> nameFor(const Group* group, const char* name);
+  [[nodiscard]] int numBytesToReport() const;
+
   std::int32_t id_ = 0;
-  std::unique_ptr<char[]> name_;
+  qv::Reference<const Name> name_;
 };
 
 static_assert(sizeof(Command) == 16 + sizeof(void*));

@@ -1,24 +1,25 @@
 // Small things that the classes of this component share. Private.
 #pragma once
 
+#include "Base/Undo/qvUndoReport.h"
+
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
+#include <cstdio>
 #include <limits>
-#include <memory>
 
 namespace qvUndo {
 
-/// Whether a report is open.
-[[nodiscard]] bool isReporting() noexcept;
+/// The report that is open, or null.
+extern std::FILE* reportFile;
 
-/// An own copy; null of null.
-[[nodiscard]] inline std::unique_ptr<char[]> copyOfName(const char* name) {
-  if (!name) return nullptr;
-  const std::size_t size = std::strlen(name) + 1;
-  std::unique_ptr<char[]> copy(new char[size]);
-  std::memcpy(copy.get(), name, size);
-  return copy;
+/// Whether a report is open. Only then are bytes counted that nobody else asks for.
+[[nodiscard]] inline bool isReporting() noexcept { return reportFile != nullptr; }
+
+/// `qvUndoReport`, at the cost of one comparison where no report is open.
+template <class... Args>
+void report(const char* format, Args... args) {
+  if (isReporting()) qvUndoReport(format, args...);
 }
 
 /// A sum of bytes as the interfaces tell it; one out of range is told as the nearest that is in it.

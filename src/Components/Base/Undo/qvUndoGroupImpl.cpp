@@ -3,7 +3,7 @@
 #include "Base/Undo/qvUndoCommand.h"
 #include "Base/Undo/qvUndoDetail.h"
 #include "Base/Undo/qvUndoManager.h"
-#include "Base/Undo/qvUndoReport.h"
+#include "Base/Undo/qvUndoName.h"
 
 #include <utility>
 
@@ -25,8 +25,8 @@ private:
 };
 
 GroupImpl::GroupImpl(Manager* manager, const char* name)
-    : Group(manager), number_(manager->nextGroupNumber()), manager_(manager), name_(copyOfName(name)) {
-  qvUndoReport("  qvUndo::Group: new group (%s)\n", name);
+    : Group(manager), number_(manager->nextGroupNumber()), manager_(manager), name_(Name::copyOf(name)) {
+  report("  qvUndo::Group: new group (%s)\n", name);
 }
 
 // Whatever is called here may come back to the group by way of the manager: it finds a group that is leaving,
@@ -34,11 +34,11 @@ GroupImpl::GroupImpl(Manager* manager, const char* name)
 GroupImpl::~GroupImpl() {
   leaving_ = true;
   deleteWhenIdle_ = false;
-  qvUndoReport("  qvUndo::Group: delete group (%s) - %d bytes\n", name_.get(), GroupImpl::numBytesUsed());
+  report("  qvUndo::Group: delete group (%s) - %d bytes\n", getName(), numBytesToReport());
   manager_->sigActive.emit(true);
   while (!commands_.empty()) deleteCommands();
   sigDestroyed.emit(this);
-  name_.reset();
+  name_ = nullptr;
   manager_->sigActive.emit(false);
 }
 
@@ -59,18 +59,17 @@ bool GroupImpl::release() {
 }
 
 bool GroupImpl::doIt() {
-  qvUndoReport("  + qvUndo::Group: doIt() - (%s) %d commands %d bytes.\n", name_.get(), numCommands(),
-               numBytesUsed());
+  report("  + qvUndo::Group: doIt() - (%s) %d commands %d bytes.\n", getName(), numCommands(),
+         numBytesToReport());
   if (!isValid()) {
-    qvUndoReport("  ! qvUndo::Group: doIt() - (%s) invalid group.\n", name_.get());
+    report("  ! qvUndo::Group: doIt() - (%s) invalid group.\n", getName());
     return false;
   }
   if (lastWasDoIt()) return true;
   const Running running(this);
   for (int i = 0; i < commands_.size(); ++i) {
     if (commands_[i]->doIt()) continue;
-    qvUndoReport("  ! qvUndo::Group: 'do' of command %d (%s) returnedfailure status\n", i,
-                 commands_[i]->getName());
+    report("  ! qvUndo::Group: 'do' of command %d (%s) returnedfailure status\n", i, commands_[i]->getName());
     return markInvalid();
   }
   stateDone();
@@ -78,18 +77,18 @@ bool GroupImpl::doIt() {
 }
 
 bool GroupImpl::undoIt() {
-  qvUndoReport("  - qvUndo::Group: undoIt() - (%s) %d commands %d bytes.\n", name_.get(), numCommands(),
-               numBytesUsed());
+  report("  - qvUndo::Group: undoIt() - (%s) %d commands %d bytes.\n", getName(), numCommands(),
+         numBytesToReport());
   if (!isValid()) {
-    qvUndoReport("  ! qvUndo::Group: undoIt() - (%s) invalid group.\n", name_.get());
+    report("  ! qvUndo::Group: undoIt() - (%s) invalid group.\n", getName());
     return false;
   }
   if (lastWasUndoIt()) return true;
   const Running running(this);
   for (int i = commands_.size() - 1; i >= 0; --i) {
     if (commands_[i]->undoIt()) continue;
-    qvUndoReport("  ! qvUndo::Group: 'undo' of command %d (%s) returnedfailure status\n", i,
-                 commands_[i]->getName());
+    report("  ! qvUndo::Group: 'undo' of command %d (%s) returnedfailure status\n", i,
+           commands_[i]->getName());
     return markInvalid();
   }
   stateUndone();
@@ -98,7 +97,7 @@ bool GroupImpl::undoIt() {
 
 /// @return false, for the one who failed.
 bool GroupImpl::markInvalid() {
-  qvUndoReport("  ! qvUndo::Group: marking group (%s) invalid.\n", name_.get());
+  report("  ! qvUndo::Group: marking group (%s) invalid.\n", getName());
   stateInvalid();
   return false;
 }
@@ -122,7 +121,9 @@ int GroupImpl::numBytesUsed() const {
   return byteCount(sum);
 }
 
-const char* GroupImpl::getName() const { return name_.get(); }
+int GroupImpl::numBytesToReport() const { return isReporting() ? GroupImpl::numBytesUsed() : 0; }
+
+const char* GroupImpl::getName() const { return textOf(name_); }
 
 int GroupImpl::getNumber() const { return number_; }
 
@@ -137,15 +138,17 @@ bool GroupImpl::isDynamic() const { return dynamic_; }
 void GroupImpl::setDynamic(bool dynamic) { dynamic_ = dynamic; }
 
 void GroupImpl::declarePointer(void* object) {
-  if (object) pointers_.insert(object);
+  if (!object) return;
+  if (!pointers_) pointers_ = std::make_unique<qv::set<void*>>();
+  pointers_->insert(object);
 }
 
-bool GroupImpl::hasPointer(void* object) const { return pointers_.contains(object); }
+bool GroupImpl::hasPointer(void* object) const { return pointers_ && pointers_->contains(object); }
 
 void GroupImpl::pointerDestroyed(void* object) {
   if (!hasPointer(object)) return;
-  qvUndoReport("!   qvUndo::Group: pointer 0x%p declared by group has been destroyed\n", object);
-  qvUndoReport("!   qvUndo::Group: marking group (%s) invalid.\n", name_.get());
+  report("!   qvUndo::Group: pointer 0x%p declared by group has been destroyed\n", object);
+  report("!   qvUndo::Group: marking group (%s) invalid.\n", getName());
   stateInvalid();
 }
 

@@ -5,11 +5,14 @@
 #include "Base/Containers/qvSet.h"
 #include "Base/Containers/qvVector.h"
 #include "Base/Undo/qvUndoGroup.h"
+#include "Base/Utility/qvReferenceCount.h"
 
 #include <cstdint>
 #include <memory>
 
 namespace qvUndo {
+
+class Name;
 
 /// What `ManagerImpl::newGroup` makes. Virtual and field order are part of the interface.
 class QV_BASE_API GroupImpl : public Group {
@@ -52,13 +55,14 @@ private:
 
   bool markInvalid();
   void deleteCommands();
+  [[nodiscard]] int numBytesToReport() const;
 
   qv::vector<Command*> commands_;
-  qv::set<void*> pointers_;
+  std::unique_ptr<qv::set<void*>> pointers_; // none until one is declared, as in most groups
   std::int32_t number_;
   std::int32_t lastCommandId_ = 0;
   Manager* manager_;
-  std::unique_ptr<char[]> name_;
+  qv::Reference<const Name> name_;
   bool dynamic_ = false;
   bool deletable_ = true;
   bool leaving_ = false;

@@ -4,7 +4,6 @@
 
 #include "Base/Undo/qvUndoDetail.h"
 #include "Base/Undo/qvUndoGroupImpl.h"
-#include "Base/Undo/qvUndoReport.h"
 
 #include <algorithm>
 #include <utility>
@@ -34,28 +33,26 @@ ManagerImpl::~ManagerImpl() {
 // ---- Undo and redo -------------------------------------------------------------------------------------
 
 bool ManagerImpl::doIt() {
-  qvUndoReport("+ qvUndo::Manager: doIt() - %d groups, %d bytes used\n", numGroups(false),
-               numBytesToReport());
+  report("+ qvUndo::Manager: doIt() - %d groups, %d bytes used\n", numGroups(false), numBytesToReport());
   if (allDone()) {
-    qvUndoReport("+ qvUndo::Manager: doIt() - at end of queue.\n");
+    report("+ qvUndo::Manager: doIt() - at end of queue.\n");
     return true;
   }
   const Step step = runStep(&ManagerImpl::redoChain);
   if (step.numCommands != 0) return step.succeeded;
-  qvUndoReport("+ qvUndo::Manager: doIt() - empty group, doing again.\n");
+  report("+ qvUndo::Manager: doIt() - empty group, doing again.\n");
   return doIt();
 }
 
 bool ManagerImpl::undoIt() {
-  qvUndoReport("- qvUndo::Manager: undoIt() - %d groups, %d bytes used\n", numGroups(false),
-               numBytesToReport());
+  report("- qvUndo::Manager: undoIt() - %d groups, %d bytes used\n", numGroups(false), numBytesToReport());
   if (allUndone()) {
-    qvUndoReport("- qvUndo::Manager: undoIt() - at beginning of queue.\n");
+    report("- qvUndo::Manager: undoIt() - at beginning of queue.\n");
     return true;
   }
   const Step step = runStep(&ManagerImpl::undoChain);
   if (step.numCommands != 0) return step.succeeded;
-  qvUndoReport("- qvUndo::Manager: undoIt() - empty group, undoing again.\n");
+  report("- qvUndo::Manager: undoIt() - empty group, undoing again.\n");
   return undoIt();
 }
 
@@ -97,7 +94,7 @@ bool ManagerImpl::runGroup(bool (Group::*run)(), Step& step) {
 
 void ManagerImpl::currentGroupIsInvalid() {
   if (groups_.empty()) return;
-  qvUndoReport("qvUndo::Manager: currentGroupIsInvalid()\n");
+  report("qvUndo::Manager: currentGroupIsInvalid()\n");
   clearAllGroups();
 }
 
@@ -105,8 +102,8 @@ void ManagerImpl::currentGroupIsInvalid() {
 
 Group* ManagerImpl::newGroup(const char* name, bool dynamic) {
   if (maxGroups_ < 0) return nullptr;
-  qvUndoReport("--------------------------------------------------------\n");
-  qvUndoReport("qvUndo::newGroup (%s, dynamic = %d)\n", name, static_cast<int>(dynamic));
+  report("--------------------------------------------------------\n");
+  report("qvUndo::newGroup (%s, dynamic = %d)\n", name, static_cast<int>(dynamic));
   pruneUndoneGroups();
   pruneTrailingInvalidGroups();
   if (!groups_.empty()) groups_.back()->onChange();
@@ -121,12 +118,12 @@ Group* ManagerImpl::newGroup(const char* name, bool dynamic) {
 
 void ManagerImpl::pruneUndoneGroups() {
   if (allDone()) return;
-  qvUndoReport("qvUndo::Manager: pruneUndoneGroups()\n");
+  report("qvUndo::Manager: pruneUndoneGroups()\n");
   deleteGroupsFrom([this] { return cursor_; });
 }
 
 void ManagerImpl::pruneTrailingInvalidGroups() {
-  qvUndoReport("qvUndo::Manager: pruneTrailingInvalidGroups()\n");
+  report("qvUndo::Manager: pruneTrailingInvalidGroups()\n");
   while (!groups_.empty()) {
     Group* const newest = groups_.back();
     if (newest->isValid() || !newest->isDeletable() || !implOf(newest).release()) return;
@@ -172,13 +169,13 @@ void ManagerImpl::deleteGroupsFrom(First first) {
 }
 
 void ManagerImpl::clearAllGroups() {
-  qvUndoReport("qvUndo::Manager: clearAllGroups()\n");
+  report("qvUndo::Manager: clearAllGroups()\n");
   deleteGroupsFrom([this] { return groups_.begin(); });
 }
 
 void ManagerImpl::deleteLastGroup() {
   if (!allDone() || groups_.empty()) return;
-  qvUndoReport("qvUndo::Manager: deleteLastGroup()\n");
+  report("qvUndo::Manager: deleteLastGroup()\n");
   if (groups_.back()->numCommands() == 0)
     implOf(groups_.back()).release();
   else
@@ -229,7 +226,7 @@ bool ManagerImpl::isWithinLastChain(int number) const {
 }
 
 void ManagerImpl::associateGroups(int first, int last) {
-  qvUndoReport("qvUndo::Manager: associateGroups (%d, %d)\n", first, last);
+  report("qvUndo::Manager: associateGroups (%d, %d)\n", first, last);
   bool tied = false;
   for (Group* group : groups_) {
     if (group->getNumber() < first || group->getNumber() > last) continue;
@@ -266,7 +263,7 @@ std::int64_t ManagerImpl::numBytesUsed() const {
   return sum;
 }
 
-/// The sum over the whole queue costs a call for each command, so it is made only for a report that is open.
+/// Costs a call for each command, so it is made only for a report that is open.
 int ManagerImpl::numBytesToReport() const { return isReporting() ? byteCount(numBytesUsed()) : 0; }
 
 } // namespace qvUndo

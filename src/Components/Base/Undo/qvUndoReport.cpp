@@ -12,14 +12,16 @@
 #include <cstdio>
 #include <string_view>
 
+// Apart from its closer, so that groups that a host deletes after it still find a value.
+constinit std::FILE* qvUndo::reportFile = nullptr;
+
 namespace {
 
-// Apart from its closer, so that groups that a host deletes after it still find a value.
-constinit std::FILE* file = nullptr;
+using qvUndo::reportFile;
 
 void closeReport() {
-  if (file) qvPlatform::closeStream(file);
-  file = nullptr;
+  if (reportFile) qvPlatform::closeStream(reportFile);
+  reportFile = nullptr;
 }
 
 /// Closes the report when the library goes.
@@ -29,21 +31,20 @@ const struct Closer {
 
 /// Lost texts are no one's failure.
 void write(std::string_view text) {
-  if (!qvPlatform::writeStream(file, text.data(), text.size(), nullptr)) (void)qvPlatform::flushStream(file);
+  if (!qvPlatform::writeStream(reportFile, text.data(), text.size(), nullptr))
+    (void)qvPlatform::flushStream(reportFile);
 }
 
 } // namespace
 
-bool qvUndo::isReporting() noexcept { return file != nullptr; }
-
 void qvUndoReportInit(const char* path) {
   closeReport();
-  if (qvPlatform::openStream(qvOS::toNativePath(qvString::IString(path)).asChar(), "a", &file)) return;
+  if (qvPlatform::openStream(qvOS::toNativePath(qvString::IString(path)).asChar(), "a", &reportFile)) return;
   write("\n------------------------------\n\n");
 }
 
 void qvUndoReport(const char* format, ...) {
-  if (!file) return;
+  if (!reportFile) return;
   constexpr std::size_t size = 1024;
   char made[size];
   va_list args;

@@ -37,7 +37,7 @@ enum Kind {
 struct Operation {
   Kind kind = add;
   int a = 0, b = 0;
-  bool dynamic = false, done = false;
+  bool dynamic = false, done = false, kept = false;
   std::vector<CommandPlan> commands;
 };
 
@@ -74,55 +74,34 @@ class Model final : public Side {
 
 public:
   bool apply(const Operation& op) override {
-    switch (op.kind) {
-    case add:
-      return maxGroups >= 0 && addGroup(op);
-    case undo:
-      return step(false);
-    case redo:
-      return step(true);
-    case deleteLast:
-      if (cursor != groups.size() || groups.empty()) return true;
+    if (op.kind == add) return maxGroups >= 0 && addGroup(op);
+    if (op.kind == undo || op.kind == redo) return step(op.kind == redo);
+    if (op.kind == clear) return clearAll();
+    if (op.kind == deleteLast && cursor == groups.size() && !groups.empty())
       return groups.back()->commands.empty() ? remove(groups.back()) : clearAll();
-    case clear:
-      return clearAll();
-    case associate: {
-      bool tied = false;
-      for (auto& group : groups)
-        if (group->number >= op.a && group->number <= op.b) group->dynamic = std::exchange(tied, true);
-      return true;
+    if (op.kind == limitGroups) maxGroups = op.a;
+    if (op.kind == limitBytes) maxBytes = op.a;
+    if (op.kind == limitGroups || op.kind == limitBytes) return cursor != groups.size() || enforce(maxGroups);
+    bool tied = false;
+    const std::vector<Group> all = groups;
+    for (const Group& group : all) {
+      if (op.kind == associate && group->number >= op.a && group->number <= op.b)
+        group->dynamic = std::exchange(tied, true);
+      if (op.kind == destroyPointer && group->object == op.a) group->valid = false;
+      if (op.kind == keep && group->number == op.a) group->deletable = op.dynamic;
+      if (op.kind == kill && group->number == op.a) remove(group);
     }
-    case destroyPointer:
-      for (auto& group : groups) group->valid = group->valid && group->object != op.a;
-      return true;
-    case limitGroups:
-      maxGroups = op.a;
-      return cursor != groups.size() || enforce(maxGroups);
-    case limitBytes:
-      maxBytes = op.a;
-      return cursor != groups.size() || enforce(maxGroups);
-    case keep:
-      for (auto& group : groups)
-        if (group->number == op.a) group->deletable = op.dynamic;
-      return true;
-    case kill:
-      for (auto& group : groups)
-        if (group->number == op.a) return remove(group);
-      return true;
-    }
-    return false;
+    return true;
   }
 
   [[nodiscard]] std::string answers() const {
     std::ostringstream out;
-    int chains = 0;
     for (const auto& group : groups) {
       out << group->number << (group->dynamic ? "=" : " ") << group->valid << group->deletable
           << group->commands.size() << ' ';
-      chains += group == groups.front() || !group->dynamic;
     }
     out << "| " << (cursor < groups.size() ? groups[cursor]->number : 0) << ' ' << (cursor > 0) << ' '
-        << chains;
+        << chains();
     return out.str();
   }
 
@@ -134,6 +113,7 @@ private:
     while (!groups.empty() && !groups.back()->valid && groups.back()->mayGo()) remove(groups.back());
     enforce(maxGroups - 1);
     groups.push_back(std::make_shared<Chunk>(Chunk{++lastNumber, op.dynamic, op.b, {}}));
+    groups.back()->deletable = !op.kept;
     cursor = groups.size();
     for (const CommandPlan& plan : op.commands) groups.back()->commands.push_back({plan});
     return !op.done || run(*groups.back(), true);
@@ -190,12 +170,12 @@ private:
     cursor = groups.size();
     return true;
   }
+  [[nodiscard]] int chains() const {
+    int count = 0;
+    for (const Group& group : groups) count += group == groups.front() || !group->dynamic;
+    return count;
+  }
   bool enforce(int limit) {
-    const auto chains = [this] {
-      int count = 0;
-      for (const Group& group : groups) count += group == groups.front() || !group->dynamic;
-      return count;
-    };
     const auto bytes = [this] {
       int sum = 0;
       for (const Group& group : groups)
@@ -244,36 +224,22 @@ public:
   bool apply(const Operation& op) override {
     qvUndo::Group* const group =
         op.kind == add ? manager->newGroup("g", op.dynamic) : manager->findGroup(op.a);
-    switch (op.kind) {
-    case add:
-      if (!group) return false;
-      if (op.b >= 0) group->declarePointer(objects + op.b);
-      for (const CommandPlan& plan : op.commands) new Planned(group, plan, *this);
-      return !op.done || group->doIt();
-    case undo:
-      return manager->undoIt();
-    case redo:
-      return manager->doIt();
-    case deleteLast:
-      return manager->deleteLastGroup(), true;
-    case clear:
-      return manager->clearAllGroups(), true;
-    case associate:
-      return manager->associateGroups(op.a, op.b), true;
-    case destroyPointer:
-      return manager->pointerDestroyed(objects + op.a), true;
-    case limitGroups:
-      return manager->setMaxGroups(op.a), true;
-    case limitBytes:
-      return manager->setMaxBytes(op.a), true;
-    case keep:
-      if (group) group->setDeletable(op.dynamic);
-      return true;
-    case kill:
-      if (group && !static_cast<qvUndo::GroupImpl*>(group)->isLeaving()) delete group;
-      return true;
-    }
-    return false;
+    if (op.kind == undo) return manager->undoIt();
+    if (op.kind == redo) return manager->doIt();
+    if (op.kind == deleteLast) manager->deleteLastGroup();
+    if (op.kind == clear) manager->clearAllGroups();
+    if (op.kind == associate) manager->associateGroups(op.a, op.b);
+    if (op.kind == destroyPointer) manager->pointerDestroyed(objects + op.a);
+    if (op.kind == limitGroups) manager->setMaxGroups(op.a);
+    if (op.kind == limitBytes) manager->setMaxBytes(op.a);
+    if (op.kind == keep && group) group->setDeletable(op.dynamic);
+    if (op.kind == kill && group && !static_cast<qvUndo::GroupImpl*>(group)->isLeaving()) delete group;
+    if (op.kind != add) return true;
+    if (!group) return false;
+    if (op.b >= 0) group->declarePointer(objects + op.b);
+    group->setDeletable(!op.kept);
+    for (const CommandPlan& plan : op.commands) new Planned(group, plan, *this);
+    return !op.done || group->doIt();
   }
 
   [[nodiscard]] std::string answers() const {
@@ -302,6 +268,7 @@ Operation randomOperation(qvTest::Random& random, int step) {
   op.kind = kinds[random.below(std::size(kinds))];
   op.dynamic = random.oneIn(2);
   op.done = !random.oneIn(4);
+  op.kept = random.oneIn(12);
   op.a = random.between(std::max(0, step / 8), step / 3);
   op.b = op.a + random.between(0, 5);
   if (op.kind == add) op.b = random.between(-6, 3);
@@ -310,7 +277,7 @@ Operation randomOperation(qvTest::Random& random, int step) {
   if (op.kind == limitGroups) op.a = random.oneIn(9) ? -1 : random.between(0, 9);
   if (op.kind == limitBytes) op.a = random.oneIn(3) ? 0 : random.between(10, 400);
   for (int i = random.between(0, 3); op.kind == add && i > 0; --i)
-    op.commands.push_back({10 * step + i, random.between(0, 40), random.oneIn(60), random.oneIn(60)});
+    op.commands.push_back({10 * step + i, random.between(0, 40), random.oneIn(40), random.oneIn(60)});
   return op;
 }
 
