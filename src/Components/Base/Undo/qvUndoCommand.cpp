@@ -4,8 +4,6 @@
 #include "Base/Undo/qvUndoGroup.h"
 #include "Base/Undo/qvUndoName.h"
 
-#include <cstring>
-
 namespace qvUndo {
 
 Command::Command(Group* group, const char* name) : name_(nameFor(group, name)) { addToGroup(group); }
@@ -27,11 +25,10 @@ void Command::addToGroup(Group* group) {
 
 const char* Command::getName() const noexcept { return name_ ? name_->text() : "noname"; }
 
-/// Commands of one group often have one name: it is kept once.
+/// Commands of one group often have one name.
 qv::Reference<const Name> Command::nameFor(const Group* group, const char* name) {
   const Command* const newest = group ? group->getCommand(group->numCommands() - 1) : nullptr;
-  const bool isSame = name && newest && newest->name_ && std::strcmp(newest->name_->text(), name) == 0;
-  return isSame ? newest->name_ : Name::copyOf(name);
+  return Name::make(name, newest ? newest->name_ : nullptr);
 }
 
 int Command::numBytesToReport() const { return isReporting() ? getNumBytesUsed() : 0; }

@@ -24,8 +24,11 @@ private:
   GroupImpl* group_;
 };
 
-GroupImpl::GroupImpl(Manager* manager, const char* name)
-    : Group(manager), number_(manager->nextGroupNumber()), manager_(manager), name_(Name::copyOf(name)) {
+GroupImpl::GroupImpl(Manager* manager, const char* name, const GroupImpl* neighbour)
+    : Group(manager),
+      number_(manager->nextGroupNumber()),
+      manager_(manager),
+      name_(Name::make(name, neighbour ? neighbour->name_ : nullptr)) {
   report("  qvUndo::Group: new group (%s)\n", name);
 }
 

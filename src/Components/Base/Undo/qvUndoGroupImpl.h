@@ -20,8 +20,9 @@ public:
   /// The commands are gone; the group goes next.
   qvRTB::SignalArg<Group*> sigDestroyed;
 
-  /// Takes the next number of `manager`, which must outlive the group.
-  GroupImpl(Manager* manager, const char* name);
+  /// Takes the next number of `manager`, which must outlive the group. An equal name of `neighbour`, which
+  /// may be null, is kept once.
+  GroupImpl(Manager* manager, const char* name, const GroupImpl* neighbour = nullptr);
   /// Must not be called while a command of this group runs; `release` waits for it.
   ~GroupImpl() override;
 

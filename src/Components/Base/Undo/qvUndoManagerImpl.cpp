@@ -108,7 +108,7 @@ Group* ManagerImpl::newGroup(const char* name, bool dynamic) {
   pruneTrailingInvalidGroups();
   if (!groups_.empty()) groups_.back()->onChange();
   enforceLimits(true);
-  auto* const group = new GroupImpl(this, name);
+  auto* const group = new GroupImpl(this, name, groups_.empty() ? nullptr : &implOf(groups_.back()));
   group->setDynamic(dynamic);
   group->sigDestroyed.connect(this, &ManagerImpl::groupDestroyed, client_);
   groups_.append(group);

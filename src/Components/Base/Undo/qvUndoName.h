@@ -1,4 +1,4 @@
-// The name of a group or a command, as commands share it. Private.
+// The name of a group or a command, as neighbours share it. Private.
 #pragma once
 
 #include "Base/Utility/qvReferenceCount.h"
@@ -11,9 +11,11 @@ namespace qvUndo {
 /// A text that does not change, in one block with the count of its holders. Not thread-safe.
 class Name {
 public:
-  /// Null of null.
-  [[nodiscard]] static qv::Reference<const Name> copyOf(const char* text) {
+  /// The name `text`: `neighbour`, which may be null, if it says the same, else a copy; null of null.
+  [[nodiscard]] static qv::Reference<const Name> make(const char* text,
+                                                      const qv::Reference<const Name>& neighbour) {
     if (!text) return nullptr;
+    if (neighbour && std::strcmp(neighbour->text(), text) == 0) return neighbour;
     const std::size_t size = std::strlen(text) + 1;
     auto* const name = new (::operator new(sizeof(Name) + size)) Name;
     std::memcpy(static_cast<void*>(name + 1), text, size);
