@@ -56,13 +56,11 @@ It median(It a, It b, It c, const Less& less) {
 /// An element of the range that is likely to lie near its middle.
 template <class It, class Less>
 It choosePivot(It first, It last, const Less& less) {
-  const std::ptrdiff_t eighth = (last - first) / 8;
-  const auto near = [&](std::ptrdiff_t middle) {
-    return median(first + (middle - 1) * eighth, first + middle * eighth, first + (middle + 1) * eighth,
-                  less);
-  };
-  return eighth < 16 ? median(first, first + 4 * eighth, last - 1, less)
-                     : median(near(1), near(4), near(7), less);
+  const std::ptrdiff_t count = last - first;
+  if (count < 128) return median(first, first + count / 2, last - 1, less);
+  const std::ptrdiff_t step = count / 9;
+  const auto medianOf3 = [&](It from) { return median(from, from + step, from + 2 * step, less); };
+  return median(medianOf3(first), medianOf3(first + 3 * step), medianOf3(first + 6 * step), less);
 }
 
 template <class It, class Less>

@@ -68,7 +68,7 @@ public:
   std::vector<int> taken; // each is one thread's, or a race
 };
 
-TEST(PoolTest, runsAnAlgorithmOnceInTheCallerAndInAllWorkersButTheLast) {
+TEST(ThreadPool, RunsAnAlgorithmOnceInTheCallerAndInAllWorkersButTheLast) {
   qvTest::forEachPool([](Pool& pool) {
     Once alg;
     std::vector<std::thread::id> before;
@@ -86,7 +86,7 @@ TEST(PoolTest, runsAnAlgorithmOnceInTheCallerAndInAllWorkersButTheLast) {
   });
 }
 
-TEST(PoolTest, dealsEachChunkOnce) {
+TEST(ThreadPool, DealsEachChunkOnce) {
   qvTest::forEachPool([](Pool& pool) {
     for (const int chunks : {0, -1, 1, 100}) {
       Chunks alg;
@@ -100,7 +100,7 @@ TEST(PoolTest, dealsEachChunkOnce) {
   });
 }
 
-TEST(PoolTest, tellsAllThreadsOfACancellation) {
+TEST(ThreadPool, TellsAllThreadsOfACancellation) {
   class Endless : public qvUtil::ThreadedAlg {
   public:
     void execute(int index, int) override {
@@ -121,7 +121,7 @@ TEST(PoolTest, tellsAllThreadsOfACancellation) {
   });
 }
 
-TEST(PoolTest, servesOnWhenTheCallersPartThrows) {
+TEST(ThreadPool, ServesOnWhenTheCallersPartThrows) {
   class Throwing : public Once {
   public:
     void initialize(int numThreads) override {
@@ -147,7 +147,7 @@ TEST(PoolTest, servesOnWhenTheCallersPartThrows) {
   }
 }
 
-TEST(PoolTest, throwsWhatKeptAThreadFromStarting) {
+TEST(ThreadPool, ThrowsWhatKeptAThreadFromStarting) {
   for (const char* const call : {"createThread", "createSemaphore", "createEvent", "createMutex"}) {
     SCOPED_TRACE(call);
     int thrown = 0;
@@ -168,7 +168,7 @@ TEST(PoolTest, throwsWhatKeptAThreadFromStarting) {
   EXPECT_EQ(none.numThreads(), 1);
 }
 
-TEST(PoolTest, sleepsWhileItHasNothingToDo) {
+TEST(ThreadPool, SleepsWhileItHasNothingToDo) {
   Pool pool(8);
   ThreadPool::install(&pool);
   TaskQueue queue;

@@ -129,7 +129,7 @@ private:
   bool executed_ = false;
 };
 
-TEST(TaskQueueTest, runsTreesOnTheRightThreadsAndInOrder) {
+TEST(ThreadTaskQueue, RunsTreesOnTheRightThreadsAndInOrder) {
   forEachQueue([](ThreadedTaskQueue& queue, bool threaded) {
     Forest forest(11, queue, threaded);
     for (int round = 0; round < 2; ++round) {
@@ -171,7 +171,7 @@ private:
   std::string before_, after_;
 };
 
-TEST(TaskQueueTest, runsDepthFirstInTheCallerWithoutAPool) {
+TEST(ThreadTaskQueue, RunsDepthFirstInTheCallerWithoutAPool) {
   std::string text;
   const auto run = [&](ThreadedTaskQueue& queue) {
     text.clear();
@@ -189,7 +189,7 @@ TEST(TaskQueueTest, runsDepthFirstInTheCallerWithoutAPool) {
   EXPECT_TRUE(text.ends_with("~e"));
 }
 
-TEST(TaskQueueTest, deletesAllUnrunAfterACancellation) {
+TEST(ThreadTaskQueue, DeletesAllUnrunAfterACancellation) {
   class Task : public ThreadedTask {
   public:
     Task(int& live, std::atomic<int>& executed) : live_(live), executed_(executed) { ++live_; }
@@ -222,7 +222,7 @@ TEST(TaskQueueTest, deletesAllUnrunAfterACancellation) {
   });
 }
 
-TEST(TaskQueueTest, isNotCancelledOnceATaskForbidsIt) {
+TEST(ThreadTaskQueue, IsNotCancelledOnceATaskForbidsIt) {
   forEachQueue([](ThreadedTaskQueue& queue, bool threaded) {
     Forest forest(5, queue, threaded);
     qvTest::Impatient progress(1);
@@ -241,7 +241,7 @@ TEST(TaskQueueTest, isNotCancelledOnceATaskForbidsIt) {
   });
 }
 
-TEST(TaskQueueTest, finishesAllTasksBeforeThePoolGoes) {
+TEST(ThreadTaskQueue, FinishesAllTasksBeforeThePoolGoes) {
   qvTest::Random random(3);
   for (int round = 0; round < 20; ++round) {
     std::unique_ptr<Forest> forest;
@@ -269,7 +269,7 @@ public:
   ThreadedTask* postExecute(int index) override { return post(index); }
 };
 
-TEST(QueueImplTest, takesATaskThroughItsStates) {
+TEST(ThreadQueueImpl, TakesATaskThroughItsStates) {
   Pool pool(2);
   QueueImpl queue(&pool);
   const QueueProbe probe{queue};
@@ -316,7 +316,7 @@ TEST(QueueImplTest, takesATaskThroughItsStates) {
   queue.release();
 }
 
-TEST(QueueImplTest, doesNotExecuteWhatWaitedForChildrenAtTheCancellation) {
+TEST(ThreadQueueImpl, DoesNotExecuteWhatWaitedForChildrenAtTheCancellation) {
   Pool pool(2);
   QueueImpl queue(&pool);
   Semaphore gate;
@@ -335,7 +335,7 @@ TEST(QueueImplTest, doesNotExecuteWhatWaitedForChildrenAtTheCancellation) {
   EXPECT_FALSE(executed);
 }
 
-TEST(QueueImplTest, isWokenWhenHalfIsDone) {
+TEST(ThreadQueueImpl, IsWokenWhenHalfIsDone) {
   Pool pool(4);
   QueueImpl queue(&pool);
   const QueueProbe probe{queue};
@@ -359,7 +359,7 @@ TEST(QueueImplTest, isWokenWhenHalfIsDone) {
   }
 }
 
-TEST(QueueImplTest, givesEachWorkerTwoTasksAtMost) {
+TEST(ThreadQueueImpl, GivesEachWorkerTwoTasksAtMost) {
   Pool pool(2);
   QueueImpl queue(&pool);
   const QueueProbe probe{queue};
