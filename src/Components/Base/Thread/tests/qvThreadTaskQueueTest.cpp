@@ -5,6 +5,7 @@
 #include "Base/Thread/qvThreadTaskQueueImpl.h"
 #include "qvThreadTestPools.h"
 #include "testing/qvTestSeed.h"
+#include "testing/qvTestYield.h"
 
 #include <gtest/gtest.h>
 
@@ -135,7 +136,7 @@ TEST(ThreadTaskQueue, RunsTreesOnTheRightThreadsAndInOrder) {
     for (int round = 0; round < 2; ++round) {
       queue.acquire();
       queue.wait(); // for nothing
-      for (int i = 0; i < 10; ++i) queue.submit(new Tree(forest, 3));
+      for (int i = 0; i < 5; ++i) queue.submit(new Tree(forest, 3));
       queue.wait();
       EXPECT_EQ(forest.live, 0);
       queue.submit(new Tree(forest, 2));
@@ -242,6 +243,7 @@ TEST(ThreadTaskQueue, IsNotCancelledOnceATaskForbidsIt) {
 }
 
 TEST(ThreadTaskQueue, FinishesAllTasksBeforeThePoolGoes) {
+  const qvTest::Yields yields(7);
   qvTest::Random random(3);
   for (int round = 0; round < 20; ++round) {
     std::unique_ptr<Forest> forest;
@@ -302,7 +304,7 @@ TEST(ThreadQueueImpl, TakesATaskThroughItsStates) {
   // A null task only has the queue collect what is done, and go on.
   const auto goOnAfter = [&](Semaphore& gate) {
     gate.post();
-    while (probe.done() == 0) std::this_thread::yield();
+    ASSERT_TRUE(qvTest::eventually([&] { return probe.done() > 0; }));
     queue.submit(nullptr);
   };
   goOnAfter(childGate);
@@ -351,7 +353,7 @@ TEST(ThreadQueueImpl, IsWokenWhenHalfIsDone) {
     EXPECT_EQ(probe.outstanding(), tasks);
     for (int done = 1; done <= tasks; ++done) {
       gate.post();
-      while (probe.done() < done) std::this_thread::yield();
+      ASSERT_TRUE(qvTest::eventually([&] { return probe.done() == done; }));
       EXPECT_EQ(probe.takePost(), done == (tasks + 1) / 2);
     }
     probe.post(); // what was taken

@@ -1,9 +1,10 @@
-// Pools of many sizes, on all processors and on one.
+// Pools of many sizes, on all processors and on one, under schedules that a seed chooses.
 #pragma once
 
 #include "Base/Thread/qvThreadPool.h"
 #include "Base/Utility/qvUtilProgress.h"
 #include "testing/qvTestProcessor.h"
+#include "testing/qvTestYield.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,8 @@ void forEachPool(Test test) {
     if (pinned) one.emplace();
     for (const int workers : {0, 1, 2, 3, 8, 64}) {
       SCOPED_TRACE(std::to_string(workers) + (pinned ? " workers on one processor" : " workers"));
+      std::optional<Yields> yields;
+      if (workers <= 8) yields.emplace(workers); // with more it takes long
       qvThread::Pool pool(workers);
       qvUtil::ThreadPool::install(&pool);
       test(pool);
