@@ -1,42 +1,16 @@
 // A package file: what opens is listed, every entry is read through its filters, and the package still opens
 // after its entries were deleted.
 #include "Base/IO/ioPackageFile.h"
+#include "fuzz/scratchFile.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
 using qvString::IString;
 
 namespace {
-
-/// A file that is there while the program runs.
-class ScratchFile {
-public:
-  ScratchFile()
-      : path_(std::filesystem::temp_directory_path() /
-              ("base-fuzz-package-" + std::to_string(std::random_device()()))) {}
-  ~ScratchFile() {
-    std::error_code ignored;
-    std::filesystem::remove(path_, ignored);
-  }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-
-  void write(const std::uint8_t* data, std::size_t size) const {
-    std::filesystem::remove(path_);
-    std::ofstream(path_, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-  }
-  [[nodiscard]] IString name() const { return IString(path_.string().c_str(), qvString::UTF8Encoding); }
-
-private:
-  std::filesystem::path path_;
-};
 
 void readThroughFilters(const ioPackageFileEntry& entry) {
   ioBufferedStreamInput input;

@@ -225,8 +225,8 @@ TEST_F(Catalog, TellsTheLineThatIsWrong) {
 
 TEST_F(Catalog, RefusesBytesThatAreNotUtf8) {
   const char* const message = "Error interpreting input as UTF-8";
-  EXPECT_EQ(load("a.b = \"x\"\nc.d = \"\xff\"\r\ne.f = \"y\"\n"),
-            lineError(5, 2, message, "c.d = \"\xef\xbf\xbd\"\r\n"));
+  EXPECT_EQ(load("a.b = \"x\"\nc.d = \"\xff\"\ne.f = \"y\"\n"),
+            lineError(5, 2, message, "c.d = \"\xef\xbf\xbd\"\n"));
   EXPECT_EQ(appStringTable().size(), 1);
   EXPECT_EQ(load("// \xc3\n").num(), 5); // in comments, too
 }

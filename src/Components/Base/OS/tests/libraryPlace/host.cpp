@@ -61,6 +61,7 @@ bool liesIn(const fs::path& directory, const fs::path& library, const fs::path& 
 int main(int argc, char** argv) {
   if (argc != 4) return 2;
   const fs::path library = argv[1];
+  const fs::path asker = fs::absolute(argv[2]);
   const std::string place = argv[3];
   const std::string number = std::to_string(std::random_device()());
   const fs::path top = fs::canonical(fs::temp_directory_path()) / ("base-" + place + number);
@@ -79,7 +80,7 @@ int main(int argc, char** argv) {
     loaded = top / "links" / library.filename();
     fs::create_symlink(copy, loaded);
   }
-  const bool right = liesIn(directory, loaded, fs::absolute(argv[2]));
+  const bool right = liesIn(directory, loaded, asker);
   std::error_code ignored; // a loaded library may not be deleted everywhere
   fs::remove_all(top, ignored);
   return right ? 0 : 1;
