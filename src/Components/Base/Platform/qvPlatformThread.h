@@ -45,7 +45,7 @@ private:
   friend class Event;
 };
 
-/// A count to take from. Who waits longest is served first.
+/// A count to take from. What is posted goes to threads that wait already before any later one.
 class Semaphore : KernelObject {
 public:
   static constexpr std::uint32_t maxValue = 0x7fffffff;

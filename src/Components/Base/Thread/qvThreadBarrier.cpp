@@ -16,10 +16,10 @@ class Barrier::Impl : public ReferenceCount {
 public:
   explicit Impl(int total) : total_(total) {}
 
-  void wait();
+  void wait() noexcept;
 
 private:
-  void awaitPhase(bool entering, MutexOp& op);
+  void awaitPhase(bool entering, MutexOp& op) noexcept;
 
   // A condition that the system refuses to close ends the process here: nobody is left to tell.
   ~Impl() noexcept override = default;
@@ -30,7 +30,7 @@ private:
   std::atomic<bool> entering_{true}; // written under the mutex, and looked at without it
 };
 
-void Barrier::Impl::wait() {
+void Barrier::Impl::wait() noexcept {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
   awaitPhase(true, op);
@@ -47,7 +47,7 @@ void Barrier::Impl::wait() {
   op.unlock();
 }
 
-void Barrier::Impl::awaitPhase(bool entering, MutexOp& op) {
+void Barrier::Impl::awaitPhase(bool entering, MutexOp& op) noexcept {
   if (entering_ == entering) return;
   op.unlock();
   yieldUntil([&] { return entering_.load(std::memory_order_relaxed) == entering; });
@@ -59,7 +59,7 @@ Barrier::Barrier(int total) : impl_(new Impl(total)) {}
 
 Barrier::~Barrier() = default;
 
-void Barrier::wait() {
+void Barrier::wait() noexcept {
   const qv::Reference<Impl> impl = impl_; // the barrier may go while threads are inside
   qvPlatform::schedulePoint("Barrier::wait");
   impl->wait();

@@ -19,7 +19,7 @@ public:
   Barrier& operator=(const Barrier&) = delete;
 
   /// Waits without a limit until `total` threads are here. What each did before is visible to all after.
-  QV_BASE_API void wait();
+  QV_BASE_API void wait() noexcept;
 
 private:
   class Impl;

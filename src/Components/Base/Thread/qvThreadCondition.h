@@ -39,8 +39,8 @@ public:
   /// It runs on a clock that does not jump.
   QV_BASE_API void wait(qvUtil::Interval limit = qvUtil::Interval()) noexcept;
 
-  /// Wakes one of the threads that wait, the one that waits longest, or none where none waits. A signal that
-  /// comes while a waiter's limit runs out may wake the next one who waits instead.
+  /// Wakes one of the threads that wait, or none where none waits. A signal that comes while a waiter's limit
+  /// runs out may wake the next one who waits instead.
   QV_BASE_API void signal() noexcept;
 
   /// Wakes all threads that wait now, and returns when the last of them no longer sleeps. They need the mutex

@@ -4,7 +4,7 @@
 
 namespace qvThread {
 
-void RWLock::readLock() {
+void RWLock::readLock() noexcept {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
   while (hasWriter()) condition_.wait();
@@ -12,7 +12,7 @@ void RWLock::readLock() {
   op.unlock();
 }
 
-void RWLock::writeLock() {
+void RWLock::writeLock() noexcept {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
   while (hasWriter() || numberOfReaders() > 0) condition_.wait();
@@ -20,14 +20,14 @@ void RWLock::writeLock() {
   op.unlock();
 }
 
-void RWLock::readUnlock() {
+void RWLock::readUnlock() noexcept {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
   if (readers_.fetch_sub(1, std::memory_order_relaxed) == 1) condition_.signal();
   op.unlock();
 }
 
-void RWLock::writeUnlock() {
+void RWLock::writeUnlock() noexcept {
   MutexOp op(condition_.getMutex(), true);
   op.lock();
   writer_.store(false, std::memory_order_relaxed);
@@ -35,7 +35,7 @@ void RWLock::writeUnlock() {
   op.unlock();
 }
 
-void RWLockOp::unlock() {
+void RWLockOp::unlock() noexcept {
   if (reading_) {
     reading_ = false;
     lock_.readUnlock();

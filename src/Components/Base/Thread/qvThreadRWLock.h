@@ -27,10 +27,10 @@ public:
 private:
   friend class RWLockOp;
 
-  QV_BASE_API void readLock();
-  QV_BASE_API void writeLock();
-  QV_BASE_API void readUnlock();
-  QV_BASE_API void writeUnlock();
+  QV_BASE_API void readLock() noexcept;
+  QV_BASE_API void writeLock() noexcept;
+  QV_BASE_API void readUnlock() noexcept;
+  QV_BASE_API void writeUnlock() noexcept;
 
   Condition condition_; // its mutex guards the writing of both
   std::atomic<std::int32_t> readers_{0};
@@ -50,17 +50,17 @@ public:
   RWLockOp& operator=(const RWLockOp&) = delete;
 
   /// Waits without a limit until no writer holds the lock, and holds it as a reader.
-  void read() {
+  void read() noexcept {
     reading_ = true;
     lock_.readLock();
   }
   /// Waits without a limit until nobody holds the lock, and holds it as the writer.
-  void write() {
+  void write() noexcept {
     writing_ = true;
     lock_.writeLock();
   }
   /// Releases what it holds; nothing where it holds nothing.
-  QV_BASE_API void unlock();
+  QV_BASE_API void unlock() noexcept;
 
 private:
   RWLock& lock_;

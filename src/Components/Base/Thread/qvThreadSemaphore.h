@@ -23,7 +23,7 @@ public:
   QV_BASE_API void wait() noexcept;
   /// Takes one where the count is above 0. @return whether it did.
   [[nodiscard]] QV_BASE_API bool tryWait() noexcept;
-  /// Adds one, with which the thread that waits longest goes on. At `maxValue()` nothing is added.
+  /// Adds one, with which a thread that waits goes on. At `maxValue()` nothing is added.
   QV_BASE_API void post() noexcept;
 
   /// The highest count.

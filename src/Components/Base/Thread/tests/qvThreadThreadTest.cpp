@@ -48,15 +48,12 @@ TEST(Thread, CallsItsFunctionAndIsWaitedForOnce) {
 }
 
 TEST(Thread, EmitsItsSignalThereAndThenDestroysIt) {
-  struct Token {
-    std::vector<std::thread::id>& destroyed;
-    ~Token() { destroyed.push_back(std::this_thread::get_id()); }
-  };
   std::vector<int> calls;
   std::vector<std::thread::id> destroyed;
   std::thread::id id;
   Thread thread;
-  thread.getSignal()->connect([&, token = std::make_shared<Token>(destroyed)] { calls.push_back(1); });
+  const auto destroy = [&](int*) { destroyed.push_back(std::this_thread::get_id()); };
+  thread.getSignal()->connect([&, token = std::shared_ptr<int>(nullptr, destroy)] { calls.push_back(1); });
   thread.getSignal()->connect([&] {
     calls.push_back(2);
     id = std::this_thread::get_id();
