@@ -52,6 +52,12 @@ std::string Directory::write(std::string_view name, std::string_view content) co
   return path(name);
 }
 
+std::string Directory::readText(std::string_view name) const {
+  std::string text = read(name);
+  std::erase(text, '\r');
+  return text;
+}
+
 bool Directory::exists(std::string_view name) const {
   return fs::symlink_status(path(name)).type() != fs::file_type::not_found;
 }

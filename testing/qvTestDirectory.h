@@ -32,6 +32,8 @@ public:
   /// Writes a file of that name, and gives its path.
   std::string write(std::string_view name, std::string_view content) const;
   [[nodiscard]] std::string read(std::string_view name) const { return fileBytes(path(name)); }
+  /// The same of a text, whose lines end in one character each, whatever the system's end of a line is.
+  [[nodiscard]] std::string readText(std::string_view name) const;
   [[nodiscard]] bool exists(std::string_view name) const;
   /// How many entries it has, at any depth.
   [[nodiscard]] int entries() const;

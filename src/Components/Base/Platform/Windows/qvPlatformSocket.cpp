@@ -1,5 +1,6 @@
 // Over Windows Sockets 2.2. Sockets are opened without overlapped transfers, so that they also serve as the
-// files that C streams read and write.
+// files that C streams read and write. The system then lets one call at a time have such a socket, so no
+// other thread's call can end one that waits.
 #include "Base/Platform/qvPlatformSocket.h"
 
 #include "Base/Platform/qvPlatformError.h"
@@ -118,7 +119,10 @@ unsigned availableFamilies() noexcept {
 
 bool isUnreachable(int number) noexcept { return number == WSAENETUNREACH || number == WSAECONNREFUSED; }
 
-bool isDottedNumber(const char* text) noexcept { return ::inet_addr(text) != INADDR_NONE; }
+// The system takes blanks for a number, too.
+bool isDottedNumber(const char* text) noexcept {
+  return *text >= '0' && *text <= '9' && ::inet_addr(text) != INADDR_NONE;
+}
 
 Lookup lookUpHost(const char* host, HostForm form, std::string* text) {
   addrinfo hints{};

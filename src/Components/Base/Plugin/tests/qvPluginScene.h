@@ -44,7 +44,7 @@ public:
   /// What came on a stream since it was asked the last time; the fixtures' marks come on stream 2.
   std::string told(int stream) const {
     qvOS::AppOutput::getInstance().getStream(stream).close();
-    std::string text = directory.read("stream" + std::to_string(stream));
+    std::string text = directory.readText("stream" + std::to_string(stream));
     openStream(stream);
     return text;
   }

@@ -35,6 +35,7 @@ TEST(TCPAddress, ReadsHostAndPort) {
       {__LINE__, "::1", "::1", -1, false, false},
       {__LINE__, "a:b:1", "a:b:1", -1, false, false},
       {__LINE__, "0x7f.1", "0x7f.1", -1, true, false},
+      {__LINE__, " ", " ", -1, false, false},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
