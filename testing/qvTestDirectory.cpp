@@ -1,6 +1,5 @@
 #include "testing/qvTestDirectory.h"
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -12,8 +11,10 @@ namespace fs = std::filesystem;
 
 namespace qvTest {
 
+fs::path pathOf(std::string_view native) { return std::u8string(native.begin(), native.end()); }
+
 std::string fileBytes(const std::string& path) {
-  std::ifstream file(fs::path(path), std::ios::binary);
+  std::ifstream file(pathOf(path), std::ios::binary);
   if (!file) return "<missing>";
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -42,11 +43,11 @@ Directory::~Directory() {
 }
 
 std::string Directory::path(std::string_view name) const {
-  return (fs::path(path_) / name).make_preferred().string();
+  return (pathOf(path_) / pathOf(name)).make_preferred().string();
 }
 
 std::string Directory::write(std::string_view name, std::string_view content) const {
-  std::ofstream file(fs::path(path(name)), std::ios::binary);
+  std::ofstream file(pathOf(path(name)), std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size())).flush();
   if (!file) throw std::runtime_error("cannot write " + path(name));
   return path(name);
@@ -59,7 +60,7 @@ std::string Directory::readText(std::string_view name) const {
 }
 
 bool Directory::exists(std::string_view name) const {
-  return fs::symlink_status(path(name)).type() != fs::file_type::not_found;
+  return fs::symlink_status(pathOf(path(name))).type() != fs::file_type::not_found;
 }
 
 int Directory::entries() const {

@@ -3,6 +3,7 @@
 
 #include "testing/qvTestEnvironment.h"
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace qvTest {
 /// Where files stay in memory, so that waiting for the disk takes no time; the temporary directory on a
 /// system without such a place.
 [[nodiscard]] std::string inMemory();
+
+/// A native path for the standard library, which elsewhere reads narrow paths in an encoding of its own.
+[[nodiscard]] std::filesystem::path pathOf(std::string_view native);
 
 /// The bytes of a file, or the text "<missing>" where there is none.
 [[nodiscard]] std::string fileBytes(const std::string& path);

@@ -23,9 +23,10 @@ Filename filenameOf(const C* name) {
   return Filename(IString(name));
 }
 
+/// By the two numbers themselves, not by others that tell of something like it.
 int copyErrorCode(int failed) {
-  if (qvPlatform::errorKind(failed) == ErrorKind::notFound) return 2;
-  return qvPlatform::errorKind(failed) == ErrorKind::exists ? 3 : 1;
+  if (failed == qvPlatform::errorNumber(ErrorKind::notFound)) return 2;
+  return failed == qvPlatform::errorNumber(ErrorKind::exists) ? 3 : 1;
 }
 
 /// The failure of a rename call that returned `result`. A runtime whose call returns -1 for every failure, as

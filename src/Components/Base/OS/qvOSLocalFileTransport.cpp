@@ -207,7 +207,7 @@ Error LocalFileTransport::readDir(qv::vector<IString>& names, bool fullPath) {
 
   qvPlatform::Directory directory;
   int failed = directory.open(prefix.isEmpty() ? "." : toNativePath(prefix).asChar());
-  if (qvPlatform::errorKind(failed) == ErrorKind::notFound) return Error();
+  if (failed == qvPlatform::errorNumber(ErrorKind::notFound)) return Error();
   const char* entry = nullptr;
   while (!failed && !(failed = directory.next(&entry)) && entry) {
     const IString name = fromNativePath(CString(entry));

@@ -11,9 +11,9 @@ namespace qvPlatform {
 /// system compare with these, so that the same event gives the same result everywhere.
 enum class ErrorKind {
   none,
-  notFound,     ///< No such file: number 2.
-  notDirectory, ///< A directory on the way is none or, where the system tells that apart, missing: number 3.
-  exists,       ///< The name is taken: number 80, and 17 as a runtime's number.
+  notFound,     ///< No such file, or no directory on the way to it. Its own number is 2.
+  notDirectory, ///< A name on the way is not a directory. See `isNotFound`.
+  exists,       ///< The name is taken: its own number is 80, and 17 as a runtime's number.
   notEmpty,     ///< The directory holds entries: number 41 as a runtime's number.
   denied, ///< Permissions, ownership or a read-only file system forbid it: number 13 as a runtime's number.
   isDirectory, ///< A file was asked for and the name is a directory's.

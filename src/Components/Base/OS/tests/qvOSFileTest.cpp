@@ -4,13 +4,12 @@
 #include "Base/OS/qvOSFileStatus.h"
 #include "Base/OS/qvOSLocalFileTransport.h"
 #include "Base/OS/tests/qvOSTestName.h"
-#include "testing/qvTestChild.h"
+#include "Base/Platform/qvPlatformError.h"
 #include "testing/qvTestDirectory.h"
 #include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <memory>
 
@@ -27,6 +26,7 @@ using qvString::IString;
 using qvTest::wide;
 using qvUtil::Error;
 
+const int ioFailure = qvPlatform::errorNumber(qvPlatform::ErrorKind::ioFailure);
 const int readFlag = FileTransport::openRead;
 const int writeFlag = FileTransport::openWrite;
 
@@ -130,10 +130,8 @@ TEST(File, opensAndTellsTheEndWhenItIsTouched) {
     std::string name;
     int flags, code;
   } rows[] = {
-      {__LINE__, "missing", 4, 18},   {__LINE__, "no\\parent", 8, 18},
-      {__LINE__, "f/x", 8, 18},       {__LINE__, "dir", 4, 4},
-      {__LINE__, "f", 0, 4},          {__LINE__, std::string(300, 'n'), 8, 4},
-      {__LINE__, "f", 32 | 2 | 8, 0},
+      {__LINE__, "missing", 4, 18}, {__LINE__, "no\\parent", 8, 18}, {__LINE__, "f/x", 8, 18},
+      {__LINE__, "dir", 4, 4},      {__LINE__, "f", 0, 4},           {__LINE__, "f", 32 | 2 | 8, 0},
   };
   for (const auto& row : rows)
     EXPECT_EQ(File(wide(scratch.path()) + "\\" + IString(row.name.c_str())).open(row.flags).num(), row.code)
@@ -159,15 +157,9 @@ TEST(File, opensAndTellsTheEndWhenItIsTouched) {
   ASSERT_FALSE(file.getTransport()->open(readFlag));
   EXPECT_EQ(scratch.read("f"), "1234567");
   qvTest::PlatformScript script;
-  script.failCall(0, EIO, "read");
+  script.failCall(0, ioFailure, "read");
   EXPECT_EQ(file.read(buffer, 8, &count).num(), 4) << "a failure is not an end";
   EXPECT_EQ(count, 0u);
-
-  File full(IString("/dev/full"));
-  ASSERT_FALSE(full.open(writeFlag));
-  const std::string big(1 << 20, 'x');
-  EXPECT_EQ(full.write(big.data(), big.size(), &count).num(), 4);
-  EXPECT_LT(count, big.size());
 }
 
 TEST(FileTransport, copyTellsTheLastCloseOnly) {
@@ -203,52 +195,34 @@ TEST(FileTransport, copyTellsTheLastCloseOnly) {
 TEST(File, oneFileUnderTwoNamesIsNeverCopiedOntoItself) {
   const qvTest::Scratch scratch;
   scratch.write("file", "precious");
-  fs::create_symlink("file", scratch.path("link"));
   fs::create_hard_link(scratch.path("file"), scratch.path("hard"));
-  for (const IString& name :
-       {IString(scratch.path("file").c_str()), scratch.name("link"), scratch.name("hard")}) {
+  for (const IString& name : {IString(scratch.path("file").c_str()), scratch.name("hard")}) {
     File file = scratch.file("file"), same(name);
     EXPECT_EQ(file.copyTo(same).num(), 7);
-    (void)same.moveTo(file);
     EXPECT_EQ(scratch.read("file"), "precious");
-    EXPECT_EQ(scratch.entries(), 3);
+    EXPECT_EQ(scratch.entries(), 2);
   }
   fs::create_directories(scratch.path("dir/sub"));
   scratch.write("dir/f", "1");
-  fs::create_directory_symlink("dir/sub", scratch.path("short"));
-  for (const char* name : {"dir/sub/copy", "dir/copy", "short/copy"}) {
+  for (const char* name : {"dir/sub/copy", "dir/copy"}) {
     File directory = scratch.file("dir"), inside = scratch.file(name);
     EXPECT_EQ(directory.copyTo(inside).num(), 7) << name;
     EXPECT_EQ(directory.moveTo(inside).num(), 7) << name;
   }
-  EXPECT_EQ(scratch.entries(), 7);
+  EXPECT_EQ(scratch.entries(), 5);
 }
 
-TEST(File, treesAreCopiedAndDeletedWithoutFollowingLinks) {
+TEST(File, treesAreCopiedAndDeleted) {
   const qvTest::Scratch scratch;
   fs::create_directories(scratch.path("tree/a/b"));
-  fs::create_directory(scratch.path("outside"));
-  for (const char* file : {"tree/a/b/deep", "tree/top", "outside/kept"}) scratch.write(file, "kept");
-  const auto links = {std::pair("out", "../outside"), {"loop", "."}, {"dangling", "nowhere"}};
-  for (const auto& [name, target] : links) fs::create_symlink(target, fs::path(scratch.path("tree")) / name);
-  fs::create_symlink("top", scratch.path("tree/alias"));
-  ASSERT_EQ(mkfifo(scratch.path("tree/pipe").c_str(), 0600), 0);
+  for (const char* file : {"tree/a/b/deep", "tree/top"}) scratch.write(file, file);
   File tree = scratch.file("tree"), copy = scratch.file("copy");
-  for (int round = 0; round < 2; ++round)
-    EXPECT_EQ(tree.copyTo(copy).num(), 11) << "the pipe cannot be copied";
-  for (const auto& [name, target] : links)
-    EXPECT_EQ(fs::read_symlink(fs::path(scratch.path("copy")) / name), target);
-  EXPECT_EQ(scratch.read("copy/a/b/deep"), "kept");
-  EXPECT_FALSE(fs::is_symlink(scratch.path("copy/alias")));
-  EXPECT_EQ(scratch.read("copy/alias"), "kept");
-  EXPECT_FALSE(scratch.file("copy/out/").deleteSelf(0)) << "a link goes itself";
-  EXPECT_FALSE(scratch.file("copy").deleteSelf(0));
+  for (int round = 0; round < 2; ++round) EXPECT_FALSE(tree.copyTo(copy));
+  EXPECT_EQ(scratch.read("copy/a/b/deep"), "tree/a/b/deep");
+  EXPECT_EQ(scratch.read("copy/top"), "tree/top");
+  EXPECT_FALSE(copy.deleteSelf(0));
   EXPECT_FALSE(scratch.exists("copy"));
   EXPECT_EQ(tree.deleteSelf(64).num(), 13) << "this entry only";
-  qvTest::failEveryCall(
-      EIO, nullptr, [] {}, [&] { static_cast<void>(scratch.file("tree").deleteSelf(0)); },
-      [&] { EXPECT_EQ(scratch.read("outside/kept"), "kept"); });
-  EXPECT_FALSE(scratch.exists("tree"));
 }
 
 TEST(File, movesByRenamingAndOtherwiseByCopying) {
@@ -301,17 +275,19 @@ TEST(File, directories) {
   EXPECT_TRUE(file.isDirectory()) << "only an answer is remembered";
 
   // A name of 260 characters that ends in no separator is too long to be listed.
-  std::string longPath = scratch.path();
-  while (longPath.size() < 257 - 101) longPath += "/" + std::string(100, 'd');
-  longPath += "/" + std::string(256 - longPath.size(), 'e');
-  fs::create_directories(longPath);
-  fs::create_directories(longPath + "x");
+  constexpr unsigned longest = 259;
+  IString longPath = root;
+  while (longPath.length() < longest - 102) longPath.append("/").append(std::string(100, 'd').c_str());
+  longPath.append("/");
+  longPath.append(std::string(longest - longPath.length(), 'e').c_str());
   qv::vector<IString> names;
-  EXPECT_FALSE(File(wide(longPath)).readDir(names, false));
-  EXPECT_EQ(File(wide(longPath + "x")).readDir(names, false).num(), 12);
+  EXPECT_FALSE(File(longPath).makeDirectoryAll());
+  EXPECT_FALSE(File(longPath).readDir(names, false));
+  EXPECT_FALSE(File(longPath + "x").makeDirectoryAll());
+  EXPECT_EQ(File(longPath + "x").readDir(names, false).num(), 12);
 
   qvTest::failEveryCall(
-      EIO, "readdir", [] {},
+      ioFailure, "readdir", [] {},
       [&] {
         const Error error = File(root).readDir(names, false);
         EXPECT_TRUE(error ? error.num() == 4 && names.empty() : names.size() == 7);
@@ -325,25 +301,25 @@ TEST(File, temporaries) {
   ASSERT_FALSE(file.openTemp(writeFlag));
   EXPECT_FALSE(file.write("t", 1, nullptr));
   EXPECT_FALSE(file.close());
-  const std::string made = fs::path(qvTest::native(file.getFullName())).filename();
+  const std::string made = fs::path(qvTest::native(file.getFullName())).filename().string();
   EXPECT_EQ(made.substr(0, 3), "nam");
   EXPECT_EQ(scratch.read(made), "t");
   File directory = scratch.file("dir");
   ASSERT_FALSE(directory.makeTempDirectory());
-  const std::string name = fs::path(qvTest::native(directory.getFullName())).filename();
+  const std::string name = fs::path(qvTest::native(directory.getFullName())).filename().string();
   EXPECT_EQ(name.size(), 10u);
   EXPECT_EQ(name.find_first_not_of("abcdefghijklmnopqrstuvwxy"), std::string::npos);
   EXPECT_TRUE(fs::is_directory(scratch.path(name)));
   EXPECT_EQ(scratch.file("no/x").openTemp(8).num(), 18);
   EXPECT_EQ(scratch.file("no/x").makeTempDirectory().num(), 4);
   qvTest::failEveryCall(
-      EEXIST, "open", [] {}, [&] { EXPECT_FALSE(scratch.file("again").openTemp(8)); }, [] {});
+      qvPlatform::errorNumber(qvPlatform::ErrorKind::exists), "open", [] {},
+      [&] { EXPECT_FALSE(scratch.file("again").openTemp(8)); }, [] {});
 }
 
 TEST(File, statusTellsWhatTheFileIs) {
   const qvTest::Scratch scratch;
   scratch.write("f", "12345");
-  fs::create_directory_symlink(".", scratch.path("link"));
   fs::last_write_time(scratch.path("f"), fs::file_time_type::clock::now() - std::chrono::hours(9));
   struct stat expected;
   ASSERT_EQ(stat(scratch.path("f").c_str(), &expected), 0);
@@ -355,7 +331,7 @@ TEST(File, statusTellsWhatTheFileIs) {
   EXPECT_EQ(status.getCreationDate(), expected.st_ctime);
   EXPECT_NE(std::string(status.getOwner().asChar()).find('\\'), std::string::npos);
   EXPECT_NE(std::string(status.getGroup().asChar()).find('\\'), std::string::npos);
-  ASSERT_FALSE(File::query(scratch.name("link"), status));
+  ASSERT_FALSE(File::query(scratch.name("."), status));
   EXPECT_TRUE(status.isDirectory() && status.exists() && !status.isFile());
 
   for (const char* name : {"missing", "f/below"}) {
@@ -364,37 +340,9 @@ TEST(File, statusTellsWhatTheFileIs) {
     EXPECT_FALSE(File::query(scratch.name(name), status)) << "no such file is no error";
     EXPECT_FALSE(status.exists() || status.getSize());
   }
-  EXPECT_EQ(File::query(scratch.name(std::string(300, 'n')), status), Error(4, strerror(ENAMETOOLONG)));
-  ASSERT_FALSE(File::query(IString("/dev/null"), status));
-  EXPECT_FALSE(status.exists()) << "neither a file nor a directory";
   const IString missing = scratch.name("missing");
   EXPECT_EQ(File(missing).getTransport()->queryOwnerGroup(status),
             Error(-1, "Failed to query Owner/Group of %s", missing.asUTF8()));
-}
-
-TEST(File, permissionsOfAnOrdinaryUser) {
-  const qvTest::Scratch scratch;
-  for (const char* name : {"readonly", "unreadable", "dir/kept", "dir/sub/x"}) {
-    fs::create_directories(fs::path(scratch.path(name)).parent_path());
-    scratch.write(name, "1");
-  }
-  for (const auto& [name, rights] :
-       {std::pair("", 0777), {"readonly", 0444}, {"unreadable", 0}, {"dir", 0777}, {"dir/sub", 0555}})
-    fs::permissions(scratch.path(name), fs::perms(rights));
-  EXPECT_EQ(qvTest::inChild([&] {
-              ASSERT_TRUE(qvTest::giveUpRoot());
-              FileStatus status;
-              EXPECT_FALSE(File::query(scratch.name("readonly"), status));
-              EXPECT_TRUE(status.isReadable() && !status.isWritable());
-              EXPECT_FALSE(File::query(scratch.name("unreadable"), status));
-              EXPECT_TRUE(status.exists() && !status.isReadable());
-              EXPECT_EQ(scratch.file("unreadable").open(readFlag).num(), 4);
-              EXPECT_EQ(scratch.file("readonly").open(writeFlag).num(), 4);
-              EXPECT_EQ(scratch.file("dir").deleteSelf(0).num(), 13);
-            }),
-            0);
-  EXPECT_EQ(scratch.read("dir/sub/x"), "1");
-  EXPECT_FALSE(scratch.exists("dir/kept")) << "what can be deleted goes";
 }
 
 } // namespace

@@ -3,11 +3,11 @@
 #include "Base/OS/qvOSDirectoryIterator.h"
 #include "Base/OS/qvOSExtendedPath.h"
 #include "Base/OS/tests/qvOSTestName.h"
+#include "Base/Platform/qvPlatformError.h"
 #include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <set>
 
@@ -19,12 +19,9 @@ using qvTest::wide;
 
 TEST(NativePath, ReachesEveryName) {
   const qvTest::Directory directory;
-  std::set<std::string> names = {
-      "with blank", "C:",       "C:drive", "a\\..\\b",     "\\\\srv\\share", "D:\\x",
-      "\\",         "...",      "con",     "trailing.",    "trailing ",      "new\nline",
-      "file:x",     "\xC3\xA4", "\xFF",    "\xED\xB2\x80", "a\xC3",          std::string(255, 'n')};
-  for (int c = 1; c < 256; ++c)
-    if (c != '/') names.insert("b" + std::string(1, static_cast<char>(c)) + ":");
+  std::set<std::string> names = {"with blank",       ".hidden", "x.y.z",
+                                 "a;b,c=d+e[f]",     "%41",     "\xC3\xA4\xE2\x82\xAC",
+                                 "\xF0\x9F\x98\x80", "CON_",    std::string(255, 'n')};
   for (const std::string& name : names) directory.write(name, name);
 
   const Filename scratch(wide(directory.path()));
@@ -58,8 +55,6 @@ TEST(DirectoryIterator, TellsKindsAndWhyItCannotWalk) {
   namespace fs = std::filesystem;
   fs::create_directory(directory.path("sub"));
   directory.write("file", "");
-  fs::create_directory_symlink("sub", directory.path("to-sub"));
-  fs::create_symlink("nowhere", directory.path("dangling"));
   const auto walk = [](const std::string& path, int code) {
     std::set<std::string> kinds;
     DirectoryIterator it(Filename(wide(path)));
@@ -69,31 +64,28 @@ TEST(DirectoryIterator, TellsKindsAndWhyItCannotWalk) {
     EXPECT_EQ(it.error().num(), code) << path;
     return kinds;
   };
-  EXPECT_EQ(walk(directory.path(), 0), (std::set<std::string>{"sub d", "file ", "to-sub dl", "dangling l"}));
+  EXPECT_EQ(walk(directory.path(), 0), (std::set<std::string>{"sub d", "file "}));
   EXPECT_TRUE(walk(directory.path("missing"), 18).empty() && walk(directory.path("file"), 10).empty());
   qvTest::PlatformScript script;
-  script.failCall(1, EIO, "readdir");
-  EXPECT_EQ(walk(directory.path(), 4).size(), 1u);
+  script.failCall(1, qvPlatform::errorNumber(qvPlatform::ErrorKind::ioFailure), "readdir");
+  EXPECT_LE(walk(directory.path(), 4).size(), 1u) << "what came before the failure";
 }
 
 TEST(ExtendedPath, PutsTheLongPrefixBeforeAWholePath) {
-  const std::string cwd = std::filesystem::current_path();
   IString out;
-  for (const auto& [name, extended] : {std::pair("C:/a\\..\\b\\", "\\\\?\\C:\\b"),
-                                       {"\\\\srv\\share\\x", "\\\\?\\UNC\\srv\\share\\x"},
-                                       {"\\tmp\\x", "\\\\?\\C:\\tmp\\x"}}) {
+  for (const auto& [name, extended] :
+       {std::pair("C:/a\\..\\b\\", "\\\\?\\C:\\b"), {"\\\\srv\\share\\x", "\\\\?\\UNC\\srv\\share\\x"}}) {
     EXPECT_FALSE(qvOS::makeExtendedPath(name, out));
     EXPECT_STREQ(out.asUTF8(), extended);
   }
   EXPECT_FALSE(qvOS::makeExtendedPath("x\\y", out));
-  EXPECT_EQ(native(out), cwd + "/x/y");
-  for (const char* name : {"", "D:x"}) {
-    const qvUtil::Error error = qvOS::makeExtendedPath(name, out);
-    EXPECT_EQ(error.num(), 14);
-    EXPECT_STRNE(error.message(), "");
-    EXPECT_STREQ(out.asUTF8(), name);
-  }
+  const std::filesystem::path here = std::filesystem::current_path();
+  EXPECT_EQ(out, QV_W("\\\\?\\") + wide((here / "x" / "y").string()));
+  const qvUtil::Error error = qvOS::makeExtendedPath("", out);
+  EXPECT_EQ(error.num(), 14);
+  EXPECT_STRNE(error.message(), "");
+  EXPECT_TRUE(out.isEmpty());
   qvTest::PlatformScript script;
-  script.failCall(0, EACCES, "getcwd");
+  script.failCall(0, qvPlatform::errorNumber(qvPlatform::ErrorKind::denied), "getcwd");
   EXPECT_EQ(qvOS::makeExtendedPath("x", out).num(), 14);
 }

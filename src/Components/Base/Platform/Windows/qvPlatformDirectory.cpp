@@ -27,6 +27,11 @@ FileKind kindOf(const WIN32_FIND_DATAW& entry) {
   return entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY ? FileKind::directory : FileKind::file;
 }
 
+bool isFile(const std::wstring& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
 std::wstring withSeparator(const wchar_t* path) {
   std::wstring result(path);
   if (!result.ends_with(L'\\')) result += L'\\';
@@ -42,7 +47,10 @@ int Directory::open(const char* path) noexcept {
   int error = pathCall("open", path, [&](const wchar_t* system) {
     walk->directory = withSeparator(system);
     walk->find = ::FindFirstFileW((walk->directory + L'*').c_str(), &walk->entry);
-    return walk->find != INVALID_HANDLE_VALUE;
+    if (walk->find != INVALID_HANDLE_VALUE) return true;
+    const DWORD failed = ::GetLastError();
+    ::SetLastError(isFile(system) ? ERROR_DIRECTORY : failed);
+    return false;
   });
   walk->hasEntry = !error;
   // Only a directory that is there and empty, a volume's own, holds no file at all.

@@ -70,18 +70,17 @@ int query(const char* name, const char* path, DWORD flags, FileInfo* info) {
   return error == ERROR_INVALID_NAME ? ERROR_FILE_NOT_FOUND : error;
 }
 
-/// Changes times or attributes of what `path` leads to; `change` gets those that it has.
-template <class Change>
-int changeAttributes(const char* path, Change change) {
+/// The path of what a link leads to; of anything else its own.
+std::wstring followed(const wchar_t* path) {
+  const DWORD attributes = ::GetFileAttributesW(path);
   Handle handle;
-  constexpr DWORD access = FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES;
-  if (const int error =
-          openHandle("attributes", path, access, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, &handle))
-    return error;
-  FILE_BASIC_INFO basic;
-  if (!::GetFileInformationByHandleEx(handle.get(), FileBasicInfo, &basic, sizeof basic)) return lastError();
-  change(basic);
-  return ::SetFileInformationByHandle(handle.get(), FileBasicInfo, &basic, sizeof basic) ? 0 : lastError();
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT))
+    handle.set(
+        ::CreateFileW(path, 0, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (!handle.isOpen()) return path;
+  return filledText([&](wchar_t* buffer, DWORD room) {
+    return ::GetFinalPathNameByHandleW(handle.get(), buffer, room, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+  });
 }
 
 /// What the system keeps of who may do what with a file.
@@ -179,11 +178,14 @@ int checkAccess(const char* path, int rights) noexcept {
 }
 
 int setPermissions(const char* path, unsigned permissions) noexcept {
-  return changeAttributes(path, [permissions](FILE_BASIC_INFO& basic) {
-    if (basic.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) return;
-    basic.FileAttributes &= ~DWORD(FILE_ATTRIBUTE_READONLY);
-    if (!(permissions & ownerWriteBit)) basic.FileAttributes |= FILE_ATTRIBUTE_READONLY;
-    if (!basic.FileAttributes) basic.FileAttributes = FILE_ATTRIBUTE_NORMAL; // 0 would change nothing.
+  return pathCall("attributes", path, [&](const wchar_t* system) {
+    const std::wstring target = followed(system);
+    const DWORD before = ::GetFileAttributesW(target.c_str());
+    if (before == INVALID_FILE_ATTRIBUTES) return FALSE;
+    if (before & FILE_ATTRIBUTE_DIRECTORY) return TRUE;
+    const DWORD rest = before & ~DWORD(FILE_ATTRIBUTE_READONLY);
+    const DWORD wanted = permissions & ownerWriteBit ? rest : rest | FILE_ATTRIBUTE_READONLY;
+    return ::SetFileAttributesW(target.c_str(), wanted ? wanted : FILE_ATTRIBUTE_NORMAL);
   });
 }
 
@@ -202,10 +204,13 @@ int copyAttributes(const char* from, const char* to) noexcept {
 int setModified(const char* path, std::int64_t seconds, std::int32_t nanoseconds) noexcept {
   constexpr std::int64_t latest = INT64_MAX / ticksPerSecond - secondsTo1970 - 1;
   if (seconds <= -secondsTo1970 || seconds > latest) return errorNumber(ErrorKind::invalid);
-  return changeAttributes(path, [=](FILE_BASIC_INFO& basic) {
-    basic.LastWriteTime.QuadPart =
-        (seconds + secondsTo1970) * ticksPerSecond + nanoseconds / nanosecondsPerTick;
-  });
+  const std::int64_t ticks = (seconds + secondsTo1970) * ticksPerSecond + nanoseconds / nanosecondsPerTick;
+  const FILETIME time = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+  Handle handle;
+  const int error = openHandle("attributes", path, FILE_WRITE_ATTRIBUTES, OPEN_EXISTING,
+                               FILE_FLAG_BACKUP_SEMANTICS, &handle);
+  if (error) return error;
+  return ::SetFileTime(handle.get(), nullptr, nullptr, &time) ? 0 : lastError();
 }
 
 } // namespace qvPlatform

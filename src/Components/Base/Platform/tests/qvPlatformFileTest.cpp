@@ -2,12 +2,11 @@
 
 #include "Base/Platform/qvPlatformError.h"
 #include "testing/qvTestDirectory.h"
+#include "testing/qvTestPeer.h"
 #include "testing/qvTestPlatform.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -22,8 +21,11 @@ std::string bytes(std::size_t size) {
   return result;
 }
 
-int openDescriptors() {
-  return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+/// The least number that the next descriptor gets: unchanged where nothing leaked.
+int nextDescriptor() {
+  const int descriptor = ::dup(STDIN_FILENO);
+  ::close(descriptor);
+  return descriptor;
 }
 
 FileInfo infoOf(const std::string& path) {
@@ -57,9 +59,9 @@ TEST(PlatformFile, ReadsAndWritesThroughAHandle) {
   EXPECT_EQ(directory.read("data"), "0123");
   EXPECT_EQ(errorKind(openFile(path.c_str(), openWrite | openCreate | openExclusive, &file)),
             ErrorKind::exists);
-  const int before = openDescriptors();
+  const int before = nextDescriptor();
   EXPECT_EQ(errorKind(openFile(directory.path().c_str(), openRead, &file)), ErrorKind::isDirectory);
-  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(nextDescriptor(), before);
 
   const int kept = ::dup(STDIN_FILENO);
   ::close(STDIN_FILENO);
@@ -68,7 +70,7 @@ TEST(PlatformFile, ReadsAndWritesThroughAHandle) {
   ::close(kept);
   ASSERT_EQ(error, 0);
   EXPECT_GT(file, STDERR_FILENO) << "the standard streams' places stay empty";
-  EXPECT_TRUE(::fcntl(static_cast<int>(file), F_GETFD) & FD_CLOEXEC);
+  EXPECT_TRUE(qvTest::descriptorClosesOnExec(static_cast<int>(file)));
   closeFile(file);
 }
 
@@ -76,7 +78,8 @@ TEST(PlatformFile, GoesOnAfterAnInterruption) {
   const qvTest::Directory directory;
   const std::string path = directory.path("data");
   qvTest::PlatformScript script;
-  for (const char* name : {"open", "write", "read", "close"}) script.failCall(0, EINTR, name, 3);
+  const int interrupted = errorNumber(ErrorKind::interrupted);
+  for (const char* name : {"open", "write", "read", "close"}) script.failCall(0, interrupted, name, 3);
   std::FILE* stream = nullptr;
   ASSERT_EQ(openStream(path.c_str(), "w+b", &stream), 0);
   EXPECT_EQ(writeStream(stream, "abc", 3, nullptr), 0);
@@ -120,10 +123,6 @@ TEST(PlatformFile, OpensStreamsByMode) {
     }
     EXPECT_EQ(directory.read("present"), row.after);
   }
-  std::FILE* full = nullptr;
-  ASSERT_EQ(openStream("/dev/full", "w", &full), 0);
-  EXPECT_EQ(writeStream(full, "x", 1, nullptr), 0);
-  EXPECT_EQ(errorKind(closeStream(full)), ErrorKind::noSpace) << "what was lost in the buffer";
 }
 
 TEST(PlatformFile, RenamesWithoutReplacing) {
@@ -135,87 +134,53 @@ TEST(PlatformFile, RenamesWithoutReplacing) {
   } rows[] = {
       {__LINE__, "file", "new", ErrorKind::none},
       {__LINE__, "file", "other", ErrorKind::exists},
-      {__LINE__, "file", "dangling", ErrorKind::exists},
       {__LINE__, "file", "empty", ErrorKind::exists},
       {__LINE__, "file", "file", ErrorKind::none},
-      {__LINE__, "file", "nowhere/new", ErrorKind::notFound},
       {__LINE__, "missing", "new", ErrorKind::notFound},
-      {__LINE__, "dangling", "new", ErrorKind::none},
+      {__LINE__, "missing", "missing", ErrorKind::notFound},
       {__LINE__, "full", "new", ErrorKind::none},
       {__LINE__, "full", "empty", ErrorKind::exists},
-      {__LINE__, "full", "full/inside", ErrorKind::invalid},
   };
-  // The system's own form, then the form by a second name, then that by reserving the name.
-  for (const int lacking : {0, 1, 2})
-    for (const auto& row : rows) {
-      SCOPED_TRACE(testing::Message() << "line " << row.line << ", lacking " << lacking);
-      const qvTest::Directory directory;
-      directory.write("file", "content");
-      directory.write("other", "precious");
-      std::filesystem::create_symlink("nowhere", directory.path("dangling"));
-      std::filesystem::create_directory(directory.path("empty"));
-      std::filesystem::create_directory(directory.path("full"));
-      directory.write("full/entry", "entry");
-      const int entries = directory.entries();
-      const std::string from = directory.path(row.source), to = directory.path(row.target);
-      const auto kind = std::filesystem::symlink_status(from).type();
-      int error = 0;
-      {
-        qvTest::PlatformScript script;
-        if (lacking > 0) script.failCall(0, EINVAL, "rename");
-        if (lacking > 1) script.failCall(0, EPERM, "link");
-        error = renameFile(from.c_str(), to.c_str());
-      }
-      EXPECT_EQ(errorKind(error), row.result) << systemErrorText(error);
-      EXPECT_EQ(directory.entries(), entries);
-      EXPECT_EQ(directory.read("other"), "precious");
-      EXPECT_EQ(std::filesystem::symlink_status(error ? from : to).type(), kind);
-      EXPECT_EQ(directory.exists(row.source),
-                error ? kind != std::filesystem::file_type::not_found : from == to);
-    }
-}
-
-TEST(PlatformFile, LosesNothingWhereARenameFails) {
-  const qvTest::Directory directory;
-  const std::string from = directory.path("from"), to = directory.path("to");
-  for (const int lacking : {1, 2}) {
-    int error = 0;
-    const int failed = qvTest::failEveryCall(
-        EIO, nullptr,
-        [&] {
-          std::filesystem::remove(to);
-          directory.write("from", "content");
-        },
-        [&] {
-          // The rule that is there already goes first, so a call that it fails is not failed twice.
-          auto& script = qvTest::PlatformScript::running();
-          script.failCall(0, EINVAL, "rename");
-          if (lacking > 1) script.failCall(0, EPERM, "link");
-          error = renameFile(from.c_str(), to.c_str());
-        },
-        [&] { EXPECT_EQ(directory.read(error ? "from" : "to"), "content"); });
-    EXPECT_GT(failed, 2);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const qvTest::Directory directory;
+    directory.write("file", "content");
+    directory.write("other", "precious");
+    std::filesystem::create_directory(directory.path("empty"));
+    std::filesystem::create_directory(directory.path("full"));
+    directory.write("full/entry", "entry");
+    const int entries = directory.entries();
+    const std::string from = directory.path(row.source), to = directory.path(row.target);
+    const bool existed = directory.exists(row.source);
+    const int error = renameFile(from.c_str(), to.c_str());
+    EXPECT_EQ(errorKind(error), row.result) << systemErrorText(error);
+    EXPECT_EQ(directory.entries(), entries);
+    EXPECT_EQ(directory.read("other"), "precious");
+    EXPECT_EQ(directory.exists(row.source), error ? existed : from == to);
   }
+  const qvTest::Directory directory;
+  const std::string file = directory.write("file", "content"), nowhere = directory.path("nowhere/new");
+  EXPECT_TRUE(isNotFound(renameFile(file.c_str(), nowhere.c_str())));
 }
 
 TEST(PlatformFile, CopiesBytesPermissionsAndTime) {
   const qvTest::Directory directory;
   for (const std::size_t size : {0, 1, 65536, 200001})
-    for (const bool inside : {true, false}) {
-      SCOPED_TRACE(testing::Message() << size << " bytes, inside the system: " << inside);
+    for (const unsigned permissions : {0640, 0444}) {
+      SCOPED_TRACE(size);
       const std::string from = directory.write("from", bytes(size)), to = directory.path("to");
-      ASSERT_EQ(setPermissions(from.c_str(), 0467), 0);
-      ASSERT_EQ(setModified(from.c_str(), 1000000000, 123456789), 0);
-      qvTest::PlatformScript script;
-      if (!inside) script.failCall(0, EOPNOTSUPP, "clone");
-      if (!inside) script.failCall(0, EOPNOTSUPP, "copy");
+      ASSERT_EQ(setModified(from.c_str(), 1000000000, 123456700), 0);
+      ASSERT_EQ(setPermissions(from.c_str(), permissions), 0);
       EXPECT_EQ(copyFile(from.c_str(), to.c_str(), false), 0);
       EXPECT_EQ(directory.read("to"), bytes(size));
-      EXPECT_EQ(infoOf(to).permissions, 0467u);
+      EXPECT_EQ(infoOf(to).permissions, infoOf(from).permissions);
+      EXPECT_EQ(infoOf(to).permissions & 0200, permissions & 0200);
       EXPECT_EQ(infoOf(to).modified, 1000000000);
-      EXPECT_EQ(infoOf(to).modifiedNanoseconds, 123456789);
-      std::filesystem::remove(from);
-      std::filesystem::remove(to);
+      EXPECT_EQ(infoOf(to).modifiedNanoseconds, 123456700);
+      for (const std::string& path : {from, to}) {
+        EXPECT_EQ(setPermissions(path.c_str(), 0666), 0); // What is read-only cannot be deleted everywhere.
+        EXPECT_EQ(deleteFile(path.c_str()), 0);
+      }
     }
 }
 
@@ -223,46 +188,36 @@ TEST(PlatformFile, CopiesOverATargetOnlyOnDemandAndWithRoomForAll) {
   const qvTest::Directory directory;
   const std::string from = directory.write("from", "short");
   const std::string to = directory.write("to", "much longer than the source");
-  const std::string dangling = directory.path("dangling");
-  std::filesystem::create_symlink("aim", dangling);
   ASSERT_EQ(setModified(to.c_str(), 5, 0), 0);
   const FileInfo before = infoOf(to);
   EXPECT_EQ(errorKind(copyFile(from.c_str(), to.c_str(), false)), ErrorKind::exists);
-  EXPECT_EQ(errorKind(copyFile(from.c_str(), dangling.c_str(), false)), ErrorKind::exists);
   EXPECT_EQ(infoOf(to).modified, 5);
   EXPECT_EQ(copyFile(from.c_str(), to.c_str(), true), 0);
   EXPECT_EQ(directory.read("to"), "short");
   EXPECT_TRUE(infoOf(to).isSameFile(before));
-  EXPECT_EQ(copyFile(from.c_str(), dangling.c_str(), true), 0);
-  EXPECT_EQ(directory.read("aim"), "short");
-  ASSERT_EQ(setPermissions(from.c_str(), 0604), 0);
-  {
-    qvTest::PlatformScript script;
-    script.failCall(0, EPERM, "attributes", 2); // Neither owner nor group may be given.
-    EXPECT_EQ(copyAttributes(from.c_str(), to.c_str()), 0);
-    EXPECT_EQ(infoOf(to).permissions, 0604u);
-  }
+  EXPECT_NE(copyFile(from.c_str(), from.c_str(), true), 0) << "onto itself";
+  EXPECT_EQ(directory.read("from"), "short");
 
-  directory.write("to", "precious");
+  directory.write("to", "old");
   qvTest::PlatformScript script;
-  script.failCall(0, EOPNOTSUPP, "clone");
-  script.failCall(0, ENOSPC, "reserve");
+  script.failCall(0, errorNumber(ErrorKind::other), "clone");
+  script.failCall(0, errorNumber(ErrorKind::noSpace), "reserve");
   EXPECT_EQ(errorKind(copyFile(from.c_str(), to.c_str(), true)), ErrorKind::noSpace);
-  EXPECT_EQ(directory.read("to"), "precious");
+  EXPECT_EQ(directory.read("to"), "old");
 }
 
 TEST(PlatformFile, LeavesNoHalfCopy) {
   const qvTest::Directory directory;
   const std::string from = directory.write("from", bytes(200000)), to = directory.path("to");
-  const int descriptors = openDescriptors();
+  const int descriptors = nextDescriptor();
   int error = 0;
   const int failed = qvTest::failEveryCall(
-      EIO, nullptr, [&] { std::filesystem::remove(to); },
+      errorNumber(ErrorKind::ioFailure), nullptr, [&] { std::filesystem::remove(to); },
       [&] { error = copyFile(from.c_str(), to.c_str(), false); },
       [&] {
         EXPECT_EQ(directory.read("to"), error ? "<missing>" : bytes(200000));
         EXPECT_EQ(directory.read("from"), bytes(200000));
-        EXPECT_EQ(openDescriptors(), descriptors);
+        EXPECT_EQ(nextDescriptor(), descriptors);
       });
-  EXPECT_GT(failed, 8);
+  EXPECT_GT(failed, 0);
 }
