@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+using namespace std::string_literals;
+
 namespace {
 
 using qvString::CString;
@@ -182,7 +184,7 @@ TEST_F(Catalog, ReadsEntries) {
   EXPECT_EQ(appStringTable().size(), 1);
   EXPECT_EQ(textOf("a.b"), "after a mark");
   EXPECT_FALSE(load(""));
-  EXPECT_FALSE(load(std::string("a.b = \"x\"\0 = what follows a NUL\nc.d = \"y\"", 44)));
+  EXPECT_FALSE(load("a.b = \"x\"\0 = what follows a NUL\nc.d = \"y\""s));
   EXPECT_EQ(textOf("a.b") + textOf("c.d"), "xy");
 }
 
