@@ -1,6 +1,9 @@
-// The contexts: order of calls, nesting, status, packet files one after another, large arrays, hooks.
+// The contexts in every encoding: values, structure, order of calls, nesting, status, packet files one after
+// another, large arrays, wrong tags, hooks.
 #include "Base/IO/ioLargeArray.h"
-#include "testing/qvTestPacketFile.h"
+#include "Base/IO/ioWriteContextAscii.h"
+#include "Base/IO/ioWriteContextBinary.h"
+#include "Base/IO/tests/ioContextObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +11,7 @@
 
 namespace {
 
+using namespace ioContextObjects;
 using qvTest::PacketFileAbort;
 using qvTest::PacketReading;
 using qvTest::readPackets;
@@ -32,6 +36,96 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Methods, ioContextTest, testing::ValuesIn(qvTest::writeMethods));
+
+TEST_P(ioContextTest, everyValueComesBack) {
+  int packets = 0;
+  const auto read = [&](ioReadContext& c) { readValues(c), ++packets; };
+  EXPECT_EQ(readPackets(write([](auto& c) { writeValues(c), writeValues(c); }), {{"t", read}}), ioOK);
+  EXPECT_EQ(packets, 2);
+}
+
+TEST_P(ioContextTest, aClientMayReadAsLittleAsItLikes) {
+  const std::string two = write([](auto& c) { writeStructure(c), writeStructure(c); });
+  int object = 0;
+  std::vector<qvTest::PacketReader> clients = {
+      [](ioReadContext&) {},
+      [](ioReadContext& c) { EXPECT_EQ(c.fetchInt(), 1); },
+      [](ioReadContext& c) { // everything
+        const auto next = [&] { return c.nextChunk(), c.moreInChunk(); };
+        EXPECT_EQ(c.fetchInt(), 1);
+        EXPECT_TRUE(next());
+        EXPECT_EQ(c.fetchShort(), 2);
+        EXPECT_TRUE(c.moreInChunk()); // only nextChunk changes it
+        EXPECT_FALSE(next());         // an empty chunk
+        EXPECT_TRUE(next());
+        c.startSubPacket();
+        EXPECT_EQ(c.fetchInt(), 3);
+        EXPECT_TRUE(next());
+        EXPECT_EQ(c.fetchChar(), '4');
+        EXPECT_FALSE(next());
+        c.endSubPacket();
+        EXPECT_EQ(c.fetchChar(), '5');
+        EXPECT_FALSE(next());
+      },
+      [](ioReadContext& c) { // nothing of the chunks and of the sub-packet
+        EXPECT_EQ(c.fetchInt(), 1);
+        c.nextChunk(), c.nextChunk(), c.nextChunk();
+        EXPECT_TRUE(c.moreInChunk());
+        c.startSubPacket();
+        c.endSubPacket();
+        EXPECT_EQ(c.fetchChar(), '5');
+      },
+  };
+  const std::vector<qvTest::PacketReader> astray = {
+      // where tags do not stop them
+      [](ioReadContext& c) { // far too much
+        for (int i = 0; i < 100; ++i) (void)c.fetchInt64();
+        EXPECT_EQ(c.fetchInt(), 0);
+        const char* const text = c.fetchCString();
+        EXPECT_TRUE(qvTest::isText(GetParam()) ? !text : !*text);
+        double zeros[3] = {1, 1, 1};
+        c.fetchDoubleArray(zeros, 3);
+        EXPECT_EQ(zeros[0] + zeros[1] + zeros[2], 0);
+        c.nextChunk();
+        EXPECT_FALSE(c.moreInChunk());
+        c.startSubPacket();
+        c.endSubPacket();
+      },
+      [](ioReadContext& c) { c.startSubPacket(); }, // and never leaves it
+  };
+  if (!qvTest::isTagged(GetParam())) clients.insert(clients.end(), astray.begin(), astray.end());
+  for (const auto& client : clients) {
+    int packets = 0;
+    const auto read = [&](ioReadContext& c) { c.definePacketReference(&object), client(c), ++packets; };
+    EXPECT_EQ(readPackets(two, {{"t", read}}), ioOK);
+    EXPECT_EQ(packets, 2);
+  }
+}
+
+TEST_P(ioContextTest, bodiesGrowPastTheFirstBlock) {
+  std::vector<double> values(3'000'000 / sizeof(double));
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = double(i) / 8;
+  const int count = int(values.size());
+  const std::string text(200'000, 'x');
+  const std::string file = write([&](ioWriteContext& c) {
+    c.startPacket("t", nullptr);
+    c.writeDoubleArray(values.data(), count);
+    c.writeCString(text.c_str());
+    c.writeDoubleArray(values.data(), -1);
+    for (const double value : values) c.writeDouble(value);
+    c.endPacket();
+  });
+  const auto client = [&](ioReadContext& c) {
+    std::vector<double> read(values.size());
+    c.fetchDoubleArray(read.data(), count);
+    EXPECT_EQ(read, values);
+    EXPECT_EQ(c.fetchCString(), text);
+    c.fetchDoubleArray(nullptr, -1);
+    for (double& value : read) value = c.fetchDouble();
+    EXPECT_EQ(read, values);
+  };
+  EXPECT_EQ(readPackets(file, {{"t", client}}), ioOK);
+}
 
 TEST_P(ioContextTest, packetsNestAndAnAbandonedOneLeavesNoTrace) {
   const std::string nested = write([](ioWriteContext& c) {
@@ -237,13 +331,74 @@ TEST_P(ioContextTest, textPacketsDefineACopy) {
   std::free(copy);
 }
 
-TEST(ioContext, streamStatusesRise) {
+TEST_P(ioContextTest, aWrongTagIsFatal) {
+  if (!qvTest::isTagged(GetParam())) return;
+  const PacketFileAbort abort;
+  const std::string five = write([](ioWriteContext& c) { packet(c, 5); });
+  const struct {
+    int line;
+    char tag;
+    const char* got;
+  } rows[] = {
+      {__LINE__, 'd', "Double (64)"}, {__LINE__, 0, "(invalid type) (00)"},
+      {__LINE__, 'i', nullptr},       {__LINE__, '\x80', nullptr}, // no tag at all
+      {__LINE__, '\xFF', nullptr},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    std::string file = five;
+    file.at(file.rfind('i')) = row.tag;
+    const auto read = [&] {
+      return readPackets(file, {{"t", [](ioReadContext& c) { EXPECT_EQ(c.fetchInt(), 5); }}});
+    };
+    if (!row.got) {
+      EXPECT_EQ(read(), ioOK);
+      continue;
+    }
+    EXPECT_THROW(read(), PacketFileAbort::Thrown);
+    EXPECT_EQ(abort.report(), std::string("Packet file type mismatch:\n   got: ") + row.got +
+                                  "\n   expected: Int (69)\nioPacketFile: Fatal error.  Aborting.\n");
+  }
+}
+
+/// A writer whose packet can be made to look large.
+template <class Context, class Buffer>
+class NearlyFull final : public Context {
+public:
+  using Context::Context;
+  void fill() { static_cast<Buffer*>(this->currentBuffer())->setCursor(INT_MAX - 3); }
+};
+template <class Writer>
+void expectGivenUp() {
+  qvTest::PacketTypes registry(false, {{"t", nullptr}});
+  qvTest::MemoryOutput out;
+  Writer context(out.stream);
+  context.associateRegistry(&registry);
+  context.startFile();
+  out.stream.flush();
+  const std::size_t front = out.memory.size();
+  context.startPacket("t", nullptr);
+  context.fill();
+  context.writeInt(1);
+  context.writeCString("text");
+  context.startChunk();
+  EXPECT_TRUE(context.good());
+  context.endPacket();
+  EXPECT_EQ(context.getStatus(), ioFailed);
+  EXPECT_EQ(out.bytes().size(), front);
+}
+TEST(ioContext, aPacketOf2GiBIsGivenUpAndTheContextFails) {
+  expectGivenUp<NearlyFull<ioWriteContextBinary, ioPacketFileBinaryBuffer>>();
+  expectGivenUp<NearlyFull<ioWriteContextAscii, ioPacketFileAsciiBuffer>>();
+}
+
+TEST_P(ioContextTest, streamStatusesRise) {
   const ioStatus expected[] = {ioOK,       ioOpenFailed,  ioBadData, ioBadData,
                                ioDiskFull, ioBadChecksum, ioFailed,  ioFailed};
   for (std::size_t status = 0; status < std::size(expected); ++status) {
     qvTest::PacketTypes registry(false, {});
     qvTest::MemoryOutput out;
-    const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(out.stream, ioWriteBinary, &registry));
+    const std::unique_ptr<ioWriteContext> context(ioWriteContextAlloc(out.stream, GetParam(), &registry));
     out.stream.setStatus(ioStreamStatus(status));
     context->startFile();
     EXPECT_EQ(context->getStatus(), expected[status]) << status;
@@ -259,17 +414,17 @@ TEST(ioContext, onlyKnownMethodsHaveContexts) {
     EXPECT_EQ(PacketReading(header, {}).context, nullptr) << header;
 }
 
-TEST(ioContext, fatalFaultsAreReportedBeforeTheEnd) {
+TEST_P(ioContextTest, fatalFaultsAreReportedBeforeTheEnd) {
   const PacketFileAbort hooks;
   ioPacketFileError("%s %d", std::string(2000, 'x').c_str(), 1);
   EXPECT_EQ(hooks.report(), std::string(1023, 'x'));
-  writePackets(ioWriteBinary, {"s", "t"}, [](ioWriteContext& c) {
+  writePackets(GetParam(), {"s", "t"}, [](ioWriteContext& c) {
     for (const char* name : {"t", "s", "s"}) c.startPacket(name, nullptr);
     EXPECT_THROW(c.fatalError(), PacketFileAbort::Thrown);
     for (int i = 0; i < 3; ++i) c.endPacket();
   });
   EXPECT_EQ(hooks.report(), "ioPacketFile: Fatal error.  Aborting.\n  0: 3\n  1: 2\n");
-  const std::string file = writePackets(ioWriteBinary, {"t"}, [](ioWriteContext& c) {
+  const std::string file = write([](ioWriteContext& c) {
     c.startPacket("t", "object");
     c.endPacket();
   });

@@ -84,21 +84,23 @@ TEST(ioPacketRegistry, badTablesAreFoundOut) {
 }
 
 TEST(ioPacketRegistry, withoutNamesBothSidesNumberThemselves) {
-  int value = 0;
-  PacketTypes types(false, {{"t", [&](ioReadContext& c) { c.readInt(value); }}});
-  qvTest::MemoryOutput out;
-  const std::unique_ptr<ioWriteContext> writer(ioWriteContextAlloc(out.stream, ioWriteBinary, &types));
-  writer->writePacketRegistry(false);
-  writer->startFile();
-  writer->startPacket(types.lookup(2), nullptr);
-  writer->writeInt(5);
-  writer->endPacket();
-  writer->endFile();
-  PacketReading reading(out.bytes(), {});
-  reading.context->associateRegistry(&types);
-  EXPECT_EQ(reading.read(), ioOK);
-  EXPECT_EQ(value, 5);
-  EXPECT_EQ(types.type("t").getNumUsages(), 2); // written and read
+  for (const ioWriteMethod method : qvTest::writeMethods) {
+    int value = 0;
+    PacketTypes types(false, {{"t", [&](ioReadContext& c) { c.readInt(value); }}});
+    qvTest::MemoryOutput out;
+    const std::unique_ptr<ioWriteContext> writer(ioWriteContextAlloc(out.stream, method, &types));
+    writer->writePacketRegistry(false);
+    writer->startFile();
+    writer->startPacket(types.lookup(2), nullptr);
+    writer->writeInt(5);
+    writer->endPacket();
+    writer->endFile();
+    PacketReading reading(out.bytes(), {});
+    reading.context->associateRegistry(&types);
+    EXPECT_EQ(reading.read(), ioOK);
+    EXPECT_EQ(value, 5);
+    EXPECT_EQ(types.type("t").getNumUsages(), 2); // written and read
+  }
 }
 
 int simpleReads = 0;

@@ -1,10 +1,12 @@
-// What only a POSIX system can show: permission bits, and standard streams that a child gives away.
+// What only a POSIX system can show: permission bits, standard streams that a child gives away, and readers
+// that only a signal stops.
 #include "Base/IO/ioBufferFD.h"
 #include "Base/IO/ioBufferedStream.h"
 #include "Base/IO/tests/ioLinkTest.h"
 #include "Base/String/qvStringIString.h"
 #include "testing/qvTestChild.h"
 #include "testing/qvTestDirectory.h"
+#include "testing/qvTestPacketFile.h"
 #include "testing/qvTestPipe.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +43,26 @@ TEST(ioBufferedStream, TakesTheStandardStreams) {
             }),
             0);
   EXPECT_EQ(directory.read("out"), "from the standard input");
+}
+
+TEST(ioContextAscii, WaitsForEverForAPacketAndForTheEndOfASubPacketWithAnOpenChunk) {
+  const auto expectWaiting = [](const std::string& file) {
+    const auto client = [](ioReadContext& c) { c.startSubPacket(), c.endSubPacket(); };
+    EXPECT_EQ(qvTest::inChild([&] {
+                ualarm(200'000, 0);
+                qvTest::readPackets(file, {{"t", client}});
+              }),
+              -SIGALRM)
+        << file;
+  };
+  std::string file = qvTest::writePackets(ioWriteAscii, {"t"}, [](ioWriteContext& c) {
+    c.startPacket("t", nullptr);
+    c.startSubPacket(), c.startChunk(), c.endSubPacket();
+    c.endPacket();
+  });
+  expectWaiting(file.substr(0, file.find('{')));
+  expectWaiting(file.substr(0, file.rfind('{')));
+  expectWaiting(file.erase(file.find(']'), 1));
 }
 
 } // namespace
