@@ -1,18 +1,20 @@
-// Reads the input as packet files that stand one after another, with a client whose reads the packets
-// themselves choose: values, chunks, sub-packets, references and parcels in any order.
+// Reads the input as packet files, binary or text, that stand one after another, with a client whose reads
+// the packets themselves choose: values, chunks, sub-packets, references and parcels in any order.
 #include "Base/IO/ioBufferedStream.h"
 #include "Base/IO/ioClientReadContext.h"
 #include "Base/IO/ioLargeArray.h"
 #include "Base/IO/ioPacketFileError.h"
 #include "Base/IO/ioPacketRegistry.h"
 #include "Base/IO/ioPacketType.h"
-#include "Base/IO/ioReadContext.h"
+#include "Base/IO/ioReadContextAscii.h"
 #include "Base/IO/ioReferenceMapImpl.h"
 #include "Base/OS/qvOSMemoryIOStream.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <string>
@@ -21,13 +23,18 @@ namespace {
 
 struct Aborted {};
 
+char objects[256];
+void* slots[256];
+
 /// Owns the texts that nobody takes.
 class OwningMap final : public ioReferenceMapImpl {
 public:
   void markDefined(int reference, ioPacketType* type) override {
     ioReferenceMapImpl::markDefined(reference, type);
-    if (type && std::strcmp(type->getName(), "packetFile_string") == 0)
-      texts_.insert(definitionOf(reference));
+    void* const text = definitionOf(reference); // or an object, where the packet has no text
+    const bool isObject =
+        std::less_equal<void*>()(objects, text) && std::less<void*>()(text, std::end(objects));
+    if (type && !isObject && std::strcmp(type->getName(), "packetFile_string") == 0) texts_.insert(text);
   }
 
 protected:
@@ -39,9 +46,6 @@ private:
   std::set<void*> texts_;
 };
 
-char objects[256];
-void* slots[256];
-
 template <class T>
 void readValues(ioReadContext& c, void (ioReadContext::*fetch)(T*, int)) {
   T values[16];
@@ -52,6 +56,12 @@ template <class T>
 void readParcel(ioReadContext& c) {
   static T array[1500];
   static_cast<void>(ioReadArrayParcel(c, array, 1500));
+}
+
+/// Stays in a sub-packet of text with an open chunk: a reader waits for ever for its end.
+void endSubPacket(ioReadContext& c) {
+  const auto* const text = dynamic_cast<const ioReadContextAscii*>(&c);
+  if (!text || text->buffer()->subPacketEnd() >= 0) c.endSubPacket();
 }
 
 using Operation = void (*)(ioReadContext&);
@@ -82,7 +92,7 @@ constexpr Operation operations[] = {
     [](ioReadContext& c) { c.nextChunk(); },
     [](ioReadContext& c) { static_cast<void>(c.moreInChunk()); },
     [](ioReadContext& c) { c.startSubPacket(); },
-    [](ioReadContext& c) { c.endSubPacket(); },
+    endSubPacket,
     [](ioReadContext& c) { c.invalidPacket(); },
     [](ioReadContext& c) { c.definePacketReference(&objects[c.fetchUChar()]); },
     [](ioReadContext& c) { c.readReferenceUsage(&slots[c.fetchUChar()], 1); },
@@ -120,7 +130,7 @@ public:
     for (context.nextChunk(); context.moreInChunk(); context.nextChunk()) {
       context.startSubPacket();
       context.readReferenceUsage(&slots[index], index);
-      context.endSubPacket();
+      endSubPacket(context);
     }
   }
 };

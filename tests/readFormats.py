@@ -3,6 +3,7 @@
 
 usage: readFormats.py FOLDER"""
 import pathlib
+import re
 import struct
 import sys
 
@@ -89,6 +90,38 @@ class PacketFile:
                 return
 
 
+class TextPacketFile:
+    """Types and packets of a text packet file: for each packet its type, mode and body."""
+
+    def __init__(self, data):
+        header, rest = data.split(b"@\n", 2)[1:] if data.startswith(b"^@\n") else (None, None)
+        self.tagged = header.split()[2] == b"2"
+        table, rest = rest.split(b"@\n", 1)
+        self.types = [line.split()[1].decode() for line in table.splitlines()]
+        self.packets = []
+        for match in re.finditer(rb"\{\s*(\d+) (\d+) ((?:[^\\}]|\\.)*)\}", rest, re.DOTALL):
+            self.packets.append((self.types[int(match[1])], int(match[2]), match[3]))
+        assert self.packets[-1] == ("packetFile_EOF", 0, b"")
+
+    def items(self, body):
+        """Tags, values and marks of a body. Numbers stay text."""
+        tag = rb"(?P<tag>(?:r|[0-9B])?[bcChHiIlLfds])" if self.tagged else rb"(?P<tag>)"
+        item = re.compile(rb'\n  (?P<open>[\[<]) |(?P<close>[\]>]) |' + tag +
+                          rb'(?:"(?P<text>(?:[^\\"]|\\.)*)"|(?P<number>-?(?:[0-9.e+-]+|inf|nan))) ', re.DOTALL)
+        at, found = 0, []
+        while at < len(body):
+            match = item.match(body, at)
+            assert match, body[at:]
+            if match["text"] is not None:
+                found.append((match["tag"].decode(), re.sub(rb"\\(.)", rb"\1", match["text"], flags=re.DOTALL)))
+            elif match["number"]:
+                found.append((match["tag"].decode(), match["number"].decode()))
+            else:
+                found.append(("", (match["open"] or match["close"]).decode()))
+            at = match.end()
+        return found
+
+
 def entries(data):
     """Name, content and time stamp of the entries of a package."""
     assert data[0] == 0x8F and data[1:59] == b"KestrovaPortablePackageFile\neliFegakcaPelbatroPavortseK\n1\n"
@@ -128,6 +161,21 @@ expect("packets", [kind for kind, _, _ in packets.packets],
 item = packets.packets[3][2]
 expect("first values", struct.unpack(packets.order + "IcI?bBhHiIqQfd", item[:4 + 5 + 43])[3:12],
        (True, -5, 250, -30000, 60000, -2000000000 + 3, 4000000000, -2**63 + 5, 2**64 - 8))
+chunks = [
+    ["1", "-5", "250", "-30000", "60000", "-1999999997", "4000000000", "-9223372036854775803", "18446744073709551608",
+     "%.7g" % -1.5e-30, "%.16g" % 6.02214076e23, "text with \u00fc, a\ttab and \"quotes\"3".encode(), "8"],
+    ["1", "0", "1", "97", "10", "-1", "0", "0", "128", "255", "-1", "257", "1", "65535", "1", "-1", "16909060",
+     "2695938256", "0", "-1", "72623859790382856", "17357102489901502592", "0", "1", "-3.25", "%.16g" % (1 / 3), "-0"],
+    ["<", "[", "4711", "]", ">"],
+    ["42"]]
+tags = ("rI b c C h H i I l L f d s rI Bb b b 1c c c c 2C C C 3h h 4H H 5i i i 6I I 7l l 8L 9f f f 0d d i i").split()
+for name in ["text", "taggedText"]:
+    text = TextPacketFile((folder / f"{name}.packets").read_bytes())
+    expect(name, text.types, packets.types)
+    expect(name, [packet[:2] for packet in text.packets], [packet[:2] for packet in packets.packets])
+    values = text.items(text.packets[3][2])
+    expect(name, [value for _, value in values], ["7"] + sum((["[", *chunk, "]"] for chunk in chunks), []))
+    expect(name, [tag for tag, _ in values if tag], tags if name == "taggedText" else [])
 package = entries((folder / "mixed.package").read_bytes())
 expect("names", [name for name, _, _ in package],
        ["empty", "directory/file with blank.txt", "compressed", "\u043f\u0440\u0438\u0432\u0435\u0442/\u6f22\u5b57/\U0001f600"])
