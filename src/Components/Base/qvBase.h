@@ -1,4 +1,4 @@
-// The ground that every header stands on: the export mark, the 16-bit character and the tag of argument
+// The ground that every header stands on: the export marks, the 16-bit character and the tag of argument
 // lists.
 #pragma once
 
@@ -12,9 +12,11 @@
 #else
 #define QV_BASE_API __declspec(dllimport)
 #endif
+#define QV_PLUGIN_EXPORT extern "C" __declspec(dllexport)
 #define QV_W(text) L##text
 #else
 #define QV_BASE_API __attribute__((visibility("default")))
+#define QV_PLUGIN_EXPORT extern "C" __attribute__((visibility("default"))) // the functions of a plug-in
 #define QV_W(text) u##text
 #endif
 

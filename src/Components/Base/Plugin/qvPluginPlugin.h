@@ -16,8 +16,8 @@ class PluginImpl;
 /// A shared library in this process. `PluginLoader` makes one; the last `qv::Reference` unloads it, so code
 /// and data of the library must not be used longer than a reference is held.
 ///
-/// A library may export these functions, with C linkage and without arguments; one that is missing is passed
-/// over:
+/// A library may export these functions (see QV_PLUGIN_EXPORT), without arguments; one that is missing is
+/// passed over:
 /// - "initializePlugin" is called after the library was loaded,
 /// - "uninitializePlugin" before it is unloaded.
 ///

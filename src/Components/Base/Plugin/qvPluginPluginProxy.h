@@ -14,7 +14,7 @@ namespace qvPlugin {
 class Service;
 
 /// A declaration library, made by `PluginLoader::loadProxy`. Beside the functions of every plug-in it may
-/// export, with C linkage:
+/// export:
 /// - `const char* getPluginProxyName()`: the file name of the main plug-in, which lies in the same directory;
 /// - `void installPluginServices(qvPlugin::PluginProxy*)`: makes services of this proxy and registers them.
 ///

@@ -18,6 +18,13 @@ private:
   UINT before_;
 };
 
+/// The system's words, some of which leave a place for the file that they are about.
+std::string failureText(int error, std::string_view file) {
+  std::string text = nativeText(systemText(error));
+  const std::size_t place = text.find("%1");
+  return place == std::string::npos ? text : text.replace(place, 2, file);
+}
+
 } // namespace
 
 void* loadLibrary(const char* path, std::string* failure) {
@@ -27,7 +34,7 @@ void* loadLibrary(const char* path, std::string* failure) {
     library = ::LoadLibraryW(file);
     return library != nullptr;
   });
-  if (error) *failure = nativeText(systemText(error));
+  if (error) *failure = failureText(error, path);
   return error ? nullptr : library;
 }
 
