@@ -33,6 +33,7 @@ private:
   qvString::CString typeName_;
   qv::vector<qv::Reference<Service>> services_;
   qvRTB::SignalClient client_;
+  qv::vector<unsigned int> hashes_; // of the names, in the same order: a search touches few of the services
 };
 
 } // namespace qvPlugin
