@@ -4,6 +4,7 @@
 #include "Base/Containers/qvMap.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace qvStringTable {
 
@@ -83,9 +84,10 @@ bool StringTable::remove(const Key& key) { return impl_->remove(key); }
 
 int StringTable::getKeys(int (*compare)(const Key&, const Key&), const Key& key,
                          qv::vector<Key>& keys) const {
-  keys.clear();
+  qv::vector<Key> found; // `key` may lie in `keys`
   for (const auto& entry : impl_->strings)
-    if (compare(key, entry.first) == 0) keys.append(entry.first);
+    if (compare(key, entry.first) == 0) found.append(entry.first);
+  keys = std::move(found);
   return keys.size();
 }
 

@@ -152,30 +152,26 @@ TEST(SearchPath, FindsTheFirstFile) {
     EXPECT_EQ(path.searchFor(row.name, found), row.found != nullptr) << row.name.asUTF8();
     EXPECT_EQ(found.name(), row.found ? scratch.name(row.found) : IString());
   }
-  EXPECT_FALSE(path.removeDirectory(scratch.name("no")));
   for (const char* name : {"a", "b b", "c"}) EXPECT_TRUE(path.removeDirectory(scratch.name(name)));
+  EXPECT_FALSE(path.removeDirectory(scratch.name("a")));
   EXPECT_TRUE(path.isSet() && path.getDirectories().empty());
 }
 
 TEST(StopWatch, CountsWhileItRuns) {
   StopWatch watch;
   EXPECT_EQ(watch.getElapsed(), 0.0);
-  watch.start();
-  qvPlatform::sleepNanoseconds(2000000);
-  watch.start();
-  EXPECT_GE(watch.getElapsed(), 0.002);
-  watch.stop();
-  const double counted = watch.getElapsed();
-  qvPlatform::sleepNanoseconds(1000000);
-  watch.stop();
-  EXPECT_EQ(watch.getElapsed(), counted);
-  watch.start();
-  qvPlatform::sleepNanoseconds(1000000);
-  EXPECT_GE(watch.getElapsed(), counted + 0.001);
-  watch.reset();
-  EXPECT_TRUE(watch.isRunning());
-  EXPECT_LT(watch.getElapsed(), counted + 60);
-  watch.stop();
+  double counted = 0;
+  for (int stretch = 0; stretch < 2; ++stretch) {
+    watch.start();
+    qvPlatform::sleepNanoseconds(1000000);
+    watch.start();
+    EXPECT_GE(watch.getElapsed(), counted + 0.001);
+    watch.stop();
+    counted = watch.getElapsed();
+    qvPlatform::sleepNanoseconds(1000000);
+    watch.stop();
+    EXPECT_EQ(watch.getElapsed(), counted);
+  }
   watch.reset();
   EXPECT_EQ(watch.getElapsed(), 0.0);
 }

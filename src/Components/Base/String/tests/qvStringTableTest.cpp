@@ -29,6 +29,7 @@ using qvStringTable::Manager;
 using qvStringTable::StringTable;
 using qvUtil::Error;
 using Keys = qv::vector<Key>;
+using namespace std::string_literals;
 
 IString utf8(const std::string& text) { return IString(text.c_str(), qvString::UTF8Encoding); }
 
@@ -137,6 +138,7 @@ TEST(StringTable, FallsBackAndListsSets) {
   Keys keys;
   EXPECT_EQ(table.getKeysInSet("b.x", keys), 2);
   EXPECT_EQ(keys, (Keys{"b.1", "b.2"}));
+  EXPECT_EQ(table.getKeysInSet(keys[1], keys), 2); // a key that is replaced meanwhile
   EXPECT_EQ(table.getKeysInSet("setless", keys), 2);
   EXPECT_EQ(keys, (Keys{"b.3.4", "none"}));
   EXPECT_EQ(&appStringTable(), &appStringTable());
