@@ -1,5 +1,6 @@
 #include "change.h"
 
+#include "package.h"
 #include "paths.h"
 #include "report.h"
 
@@ -229,46 +230,46 @@ void finishAndCommit(ioPackageFile& package, SafeChange& change) {
   change.commit();
 }
 
-std::vector<Source> sourcesOf(const Arguments& arguments) {
-  const std::vector<std::string> paths(arguments.words.begin() + 1, arguments.words.end());
-  return collect(paths, arguments.from, arguments.words[0]);
+std::vector<Source> sourcesOf(const CommandLine& line) {
+  const std::vector<std::string> paths(line.words.begin() + 1, line.words.end());
+  return collect(paths, line.wordOf("from"), line.words[0]);
 }
 
 } // namespace
 
-void createPackage(const Arguments& arguments) {
-  const std::string& target = arguments.words[0];
+void createPackage(const CommandLine& line) {
+  const std::string& target = line.words[0];
   if (exists(target)) return fail(target, "it exists already");
   // Before there is a file to work on, which might lie below one of the paths.
-  const std::vector<Source> sources = sourcesOf(arguments);
+  const std::vector<Source> sources = sourcesOf(line);
   SafeChange change(target);
   if (!change.good()) return;
   const std::optional<fs::perms> permissions = EmptyFile(change.workName()).permissions();
   if (!permissions) return fail(target, "it cannot be created");
   ioPackageFile package;
-  if (!openWork(change, package) || !addSources(package, change, sources, arguments.compress)) return;
+  if (!openWork(change, package) || !addSources(package, change, sources, line.has("compress"))) return;
   std::error_code ignored;
   fs::permissions(filePath(change.workPath()), *permissions, ignored);
   finishAndCommit(package, change);
 }
 
-void addToPackage(const Arguments& arguments) {
-  const std::vector<Source> sources = sourcesOf(arguments);
-  SafeChange change(arguments.words[0]);
+void addToPackage(const CommandLine& line) {
+  const std::vector<Source> sources = sourcesOf(line);
+  SafeChange change(line.words[0]);
   if (!change.good() || !change.beginWithCopy()) return;
   ioPackageFile package;
   if (!openWork(change, package)) return;
-  const std::optional<std::size_t> added = addSources(package, change, sources, arguments.compress);
+  const std::optional<std::size_t> added = addSources(package, change, sources, line.has("compress"));
   if (added && *added > 0) finishAndCommit(package, change);
 }
 
-void removeFromPackage(const Arguments& arguments) {
-  SafeChange change(arguments.words[0]);
+void removeFromPackage(const CommandLine& line) {
+  SafeChange change(line.words[0]);
   if (!change.good() || !change.beginWithCopy()) return;
   ioPackageFile package;
   if (!openWork(change, package)) return;
   bool removed = false;
-  for (auto word = arguments.words.begin() + 1; word != arguments.words.end(); ++word) {
+  for (auto word = line.words.begin() + 1; word != line.words.end(); ++word) {
     if (const qvUtil::Error error = package.deleteEntry(namedBy(*word, package)))
       fail(*word, reason(error));
     else
@@ -277,9 +278,9 @@ void removeFromPackage(const Arguments& arguments) {
   if (removed) finishAndCommit(package, change);
 }
 
-void compactPackage(const Arguments& arguments) {
-  const std::string& source = arguments.words[0];
-  const std::string& target = arguments.words[1];
+void compactPackage(const CommandLine& line) {
+  const std::string& source = line.words[0];
+  const std::string& target = line.words[1];
   std::error_code error;
   if (!fs::is_regular_file(filePath(source), error)) return fail(source, "there is no such package");
   const bool replaces = exists(target);

@@ -2,9 +2,9 @@
 // whole.
 #pragma once
 
-#include "arguments.h"
+#include "commandLine.h"
 
-void createPackage(const Arguments& arguments);
-void addToPackage(const Arguments& arguments);
-void removeFromPackage(const Arguments& arguments);
-void compactPackage(const Arguments& arguments);
+void createPackage(const CommandLine& line);
+void addToPackage(const CommandLine& line);
+void removeFromPackage(const CommandLine& line);
+void compactPackage(const CommandLine& line);

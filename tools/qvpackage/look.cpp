@@ -1,5 +1,6 @@
 #include "look.h"
 
+#include "package.h"
 #include "paths.h"
 #include "printable.h"
 #include "report.h"
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <cinttypes>
 #include <cstdio>
+#include <ctime>
 #include <fstream>
 #include <ostream>
 #include <random>
@@ -38,16 +40,6 @@ struct Contents {
   }
 };
 
-bool openPackage(const std::string& path, ioPackageFile& package) {
-  std::error_code error;
-  if (!fs::exists(filePath(path), error)) return fail(path, "there is no such package"), false;
-  if (!fs::is_regular_file(filePath(path), error)) return fail(path, "this is no file"), false;
-  const qvUtil::Error failure = package.open(fromNative(path));
-  if (!failure) return true;
-  fail(path, failure.num() == 17 ? "this is no package, or it is damaged" : "it cannot be read");
-  return false;
-}
-
 Contents contentsOf(const ioPackageFile& package, const std::string& path) {
   Contents contents;
   constexpr std::int64_t firstRegion = 85;
@@ -70,6 +62,19 @@ Contents contentsOf(const ioPackageFile& package, const std::string& path) {
   std::error_code error;
   contents.fileSize = static_cast<std::int64_t>(fs::file_size(filePath(path), error));
   return contents;
+}
+
+/// The time stamp of an entry that has none.
+constexpr std::int64_t noTime = -1;
+
+/// Seconds since 1970 as local date and time, as in "2026-01-31 23:59"; "-" for `noTime`.
+std::string dateText(std::int64_t seconds) {
+  const std::time_t time = static_cast<std::time_t>(seconds);
+  char text[32];
+  const std::tm* local = std::localtime(&time);
+  if (seconds == noTime || !local || std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) == 0)
+    return "-";
+  return text;
 }
 
 void printTable(const Contents& contents) {
@@ -261,19 +266,19 @@ void forEach(const char* label, const std::vector<const ioPackageFileEntry*>& en
 
 } // namespace
 
-void listPackage(const Arguments& arguments) {
-  const std::string& path = arguments.words[0];
+void listPackage(const CommandLine& line) {
+  const std::string& path = line.words[0];
   ioPackageFile package;
   if (!openPackage(path, package)) return;
   const Contents contents = contentsOf(package, path);
-  if (arguments.json)
+  if (line.has("json"))
     printJson(contents, path);
   else
     printTable(contents);
 }
 
-void verifyPackage(const Arguments& arguments) {
-  const std::string& path = arguments.words[0];
+void verifyPackage(const CommandLine& line) {
+  const std::string& path = line.words[0];
   ioPackageFile package;
   if (!openPackage(path, package)) return;
   const Contents contents = contentsOf(package, path);
@@ -281,9 +286,9 @@ void verifyPackage(const Arguments& arguments) {
           [&](const ioPackageFileEntry& entry) { return copyEntry(entry, contents.fileSize, nullptr); });
 }
 
-void extractPackage(const Arguments& arguments) {
-  const std::string& path = arguments.words[0];
-  const std::string base = arguments.into.value_or(".");
+void extractPackage(const CommandLine& line) {
+  const std::string& path = line.words[0];
+  const std::string base = line.wordOf("into").value_or(".");
   ioPackageFile package;
   if (!openPackage(path, package)) return;
   std::error_code error;
@@ -291,6 +296,6 @@ void extractPackage(const Arguments& arguments) {
   if (!fs::is_directory(filePath(base), error)) return fail(base, "the directory cannot be made");
   const Contents contents = contentsOf(package, path);
   Extraction extraction(base, path, contents.fileSize);
-  forEach("writing", chosen(package, contents, arguments.words),
+  forEach("writing", chosen(package, contents, line.words),
           [&](const ioPackageFileEntry& entry) { return extraction.write(entry); });
 }

@@ -1,8 +1,8 @@
 // The commands that only read a package.
 #pragma once
 
-#include "arguments.h"
+#include "commandLine.h"
 
-void listPackage(const Arguments& arguments);
-void extractPackage(const Arguments& arguments);
-void verifyPackage(const Arguments& arguments);
+void listPackage(const CommandLine& line);
+void extractPackage(const CommandLine& line);
+void verifyPackage(const CommandLine& line);

@@ -1,49 +1,49 @@
 // qvpackage: stores files in packages, and lists, checks and takes out what is there.
-#include "arguments.h"
 #include "change.h"
 #include "look.h"
-#include "printable.h"
-#include "report.h"
-#include "terminal.h"
-
-#include "Base/Utility/qvUtilError.h"
-
-#include <clocale>
-#include <cstdio>
-#include <exception>
+#include "tool.h"
 
 namespace {
 
-void run(const Arguments& arguments) {
-  const std::string& command = arguments.command;
-  if (command == "create") createPackage(arguments);
-  if (command == "add") addToPackage(arguments);
-  if (command == "list") listPackage(arguments);
-  if (command == "extract") extractPackage(arguments);
-  if (command == "remove") removeFromPackage(arguments);
-  if (command == "compact") compactPackage(arguments);
-  if (command == "verify") verifyPackage(arguments);
-  if (command == "help") std::fputs(usage, stdout);
+const char* const usage = R"(usage:
+  qvpackage create  PACKAGE [-compress] [-from DIR] PATH...  store every file under each PATH in a new package
+  qvpackage add     PACKAGE [-compress] [-from DIR] PATH...  store them in a package that exists
+  qvpackage list    PACKAGE [-json]                          show what is in it
+  qvpackage extract PACKAGE [-into DIR] [NAME...]            write the named entries, or all, below DIR
+  qvpackage remove  PACKAGE NAME...                          take entries out
+  qvpackage compact PACKAGE TARGET                           write a copy without free space
+  qvpackage verify  PACKAGE                                  read every entry to its end, through its checksums
+  qvpackage help                                             show this
+
+Names are relative to DIR of -from where that is given. Symbolic links to directories are not followed. A word after
+"--" is never an option. Exit status: 0 done, 1 something failed, 2 wrong usage.
+)";
+
+constexpr Command commands[] = {
+    {"create", 2, Command::anyNumber, "compress from"},
+    {"add", 2, Command::anyNumber, "compress from"},
+    {"list", 1, 1, "json"},
+    {"extract", 1, Command::anyNumber, "into"},
+    {"remove", 2, Command::anyNumber, ""},
+    {"compact", 2, 2, ""},
+    {"verify", 1, 1, ""},
+};
+
+constexpr Option options[] = {{"compress", false}, {"json", false}, {"from", true}, {"into", true}};
+
+void run(const CommandLine& line) {
+  const std::string& command = line.command;
+  if (command == "create") createPackage(line);
+  if (command == "add") addToPackage(line);
+  if (command == "list") listPackage(line);
+  if (command == "extract") extractPackage(line);
+  if (command == "remove") removeFromPackage(line);
+  if (command == "compact") compactPackage(line);
+  if (command == "verify") verifyPackage(line);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "");
-  prepareProcess();
-  std::string problem;
-  const std::optional<Arguments> arguments = readArguments(commandLineWords(argc, argv), problem);
-  if (!arguments) {
-    std::fprintf(stderr, "qvpackage: %s\n%s", printable(problem).c_str(), usage);
-    return 2;
-  }
-  try {
-    run(*arguments);
-  } catch (const std::exception& e) {
-    fail(arguments->command, e.what());
-  } catch (const qvUtil::Error& e) {
-    fail(arguments->command, e.message());
-  }
-  if (std::fflush(stdout) != 0 || std::ferror(stdout)) fail("standard output", "it cannot be written");
-  return exitStatus();
+  return runTool({"qvpackage", usage, commands, options, nullptr, run}, argc, argv);
 }

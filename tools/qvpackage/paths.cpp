@@ -1,5 +1,6 @@
 #include "paths.h"
 
+#include "package.h"
 #include "report.h"
 
 #include "Base/IO/ioPackageFile.h"
@@ -14,23 +15,6 @@
 
 namespace fs = std::filesystem;
 using qvString::IString;
-
-IString fromNative(const std::string& path) { return qvOS::fromNativePath(qvString::CString(path.c_str())); }
-
-std::string toNative(const IString& path) { return qvOS::toNativePath(path).asChar(); }
-
-fs::path filePath(const std::string& native) {
-  return fs::path(reinterpret_cast<const char8_t*>(native.c_str()));
-}
-
-std::string nameText(const IString& name) { return name.asUTF8(); }
-
-IString namedBy(const std::string& word, const ioPackageFile& package) {
-  const IString name(word.c_str(), qvString::UTF8Encoding);
-  IString cleaned = fromNative(word);
-  ioPackageFile::cleanupName(cleaned);
-  return !package.getEntry(name) && package.getEntry(cleaned) ? cleaned : name;
-}
 
 namespace {
 

@@ -1,25 +1,11 @@
-// Paths as people of the platform write them, and the names that entries get from them.
+// The files that go into a package, the names that they get, and where entries may be written.
 #pragma once
 
-#include "Base/String/qvStringIString.h"
+#include "native.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
-
-class ioPackageFile;
-
-[[nodiscard]] qvString::IString fromNative(const std::string& path);
-[[nodiscard]] std::string toNative(const qvString::IString& path);
-[[nodiscard]] std::filesystem::path filePath(const std::string& native);
-
-/// The name of an entry as it is printed.
-[[nodiscard]] std::string nameText(const qvString::IString& name);
-
-/// The name of the entry that a word of the command line means: the word itself, or what a package makes of
-/// it as a path.
-[[nodiscard]] qvString::IString namedBy(const std::string& word, const ioPackageFile& package);
 
 /// A file to be stored.
 struct Source {

@@ -3,14 +3,12 @@
 #include "printable.h"
 #include "terminal.h"
 
-#include "Base/String/qvStringIString.h"
-
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 
 namespace {
 
+const char* programName = "";
 bool failed = false;
 bool barOnScreen = false;
 
@@ -21,10 +19,13 @@ void wipeBar() {
 
 } // namespace
 
+void failAs(const char* program) { programName = program; }
+
 void fail(const std::string& subject, const std::string& reason) {
   wipeBar();
   failed = true;
-  std::fprintf(stderr, "qvpackage: %s: %s\n", printable(subject).c_str(), printable(reason).c_str());
+  std::fflush(stdout);
+  std::fprintf(stderr, "%s: %s: %s\n", programName, printable(subject).c_str(), printable(reason).c_str());
 }
 
 int exitStatus() { return failed ? 1 : 0; }
@@ -48,31 +49,4 @@ void Progress::show(std::int64_t done) {
   std::fprintf(stderr, "\r%s [%-*s] %3d%%", label_, width, bar.c_str(), static_cast<int>(percent));
   std::fflush(stderr);
   barOnScreen = true;
-}
-
-std::string jsonString(const std::string& text) {
-  const qvString::IString decoded(text.c_str(), qvString::UTF8Encoding, nullptr);
-  std::string out = "\"";
-  for (const char* p = decoded.asUTF8(); *p; ++p) {
-    if (*p == '"' || *p == '\\') {
-      out += '\\';
-      out += *p;
-    } else if (static_cast<unsigned char>(*p) < 0x20) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(*p));
-      out += escape;
-    } else {
-      out += *p;
-    }
-  }
-  return out + '"';
-}
-
-std::string dateText(std::int64_t seconds) {
-  const std::time_t time = static_cast<std::time_t>(seconds);
-  char text[32];
-  const std::tm* local = std::localtime(&time);
-  if (seconds == noTime || !local || std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) == 0)
-    return "-";
-  return text;
 }

@@ -1,11 +1,15 @@
-// What the tool tells: failures, progress, and texts in the form that a reader expects.
+// What a tool tells: failures and progress.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
-/// Prints one line on standard error for one failure, and remembers that there was one.
+/// Sets the name of the program, with which each line of `fail` begins.
+void failAs(const char* program);
+
+/// Prints one line on standard error for one failure, behind what was printed so far, and remembers that
+/// there was one.
 void fail(const std::string& subject, const std::string& reason);
 
 /// 1 where something failed, otherwise 0.
@@ -30,12 +34,3 @@ private:
   std::int64_t shown_ = -1;
   bool visible_;
 };
-
-/// `text` as a JSON string, quotes included. Bytes that are not UTF-8 become U+FFFD.
-[[nodiscard]] std::string jsonString(const std::string& text);
-
-/// The time stamp of an entry that has none.
-constexpr std::int64_t noTime = -1;
-
-/// Seconds since 1970 as local date and time, as in "2026-01-31 23:59"; "-" for `noTime`.
-[[nodiscard]] std::string dateText(std::int64_t seconds);
