@@ -23,10 +23,12 @@ void failAs(const char* program) { programName = program; }
 
 void fail(const std::string& subject, const std::string& reason) {
   wipeBar();
-  failed = true;
+  markFailed();
   std::fflush(stdout);
   std::fprintf(stderr, "%s: %s: %s\n", programName, printable(subject).c_str(), printable(reason).c_str());
 }
+
+void markFailed() { failed = true; }
 
 int exitStatus() { return failed ? 1 : 0; }
 

@@ -12,6 +12,9 @@ void failAs(const char* program);
 /// there was one.
 void fail(const std::string& subject, const std::string& reason);
 
+/// Remembers that something is wrong, which the tool itself tells.
+void markFailed();
+
 /// 1 where something failed, otherwise 0.
 [[nodiscard]] int exitStatus();
 

@@ -1,17 +1,13 @@
 // qvcatalog: compares translations of a string catalog with the one that they were made from.
 #include "catalog.h"
+#include "native.h"
 #include "printable.h"
-#include "terminal.h"
+#include "report.h"
+#include "tool.h"
 
-#include "Base/OS/qvOSNativePath.h"
-
-#include <clocale>
 #include <cstdio>
 
 namespace {
-
-using qvString::IString;
-using Words = qv::vector<IString>;
 
 const char* const usage = R"(usage:
   qvcatalog check REFERENCE OTHER...  compare each OTHER with REFERENCE
@@ -22,7 +18,7 @@ format directives differ from the reference's in number, order or kind; flags, w
 Exit status: 0 nothing was found, 1 something was found or could not be read, 2 wrong usage.
 )";
 
-std::string nativeText(const IString& path) { return qvOS::toNativePath(path).asChar(); }
+constexpr Command commands[] = {{"check", 2, Command::anyNumber, ""}};
 
 /// The message on one line.
 std::string reason(const qvUtil::Error& error) {
@@ -34,50 +30,30 @@ std::string reason(const qvUtil::Error& error) {
 }
 
 /// Reads a catalog; false, and reported, where it cannot be read to its end.
-bool read(const IString& file, Catalog& catalog) {
-  const qvUtil::Error error = readCatalog(file, catalog);
-  if (error)
-    std::fprintf(stderr, "qvcatalog: %s: %s\n", printable(nativeText(file)).c_str(),
-                 printable(reason(error)).c_str());
+bool read(const std::string& file, Catalog& catalog) {
+  const qvUtil::Error error = readCatalog(fromNative(file), catalog);
+  if (error) fail(file, reason(error));
   return !error;
 }
 
-/// Compares all files that can be read. @return whether all is well.
-bool check(const IString& referenceFile, const Words& files) {
-  Catalog reference;
-  if (!read(referenceFile, reference)) return false;
-  bool good = true;
-  for (const IString& file : files) {
-    Catalog translation;
-    if (!read(file, translation)) {
-      good = false;
-      continue;
-    }
-    for (const Finding& finding : compare(reference, translation)) {
-      std::printf("%s: %s: %s\n", printable(nativeText(file)).c_str(), finding.key.c_str(),
-                  finding.problem.c_str());
-      good = false;
-    }
+void check(const Catalog& reference, const std::string& file) {
+  Catalog translation;
+  if (!read(file, translation)) return;
+  for (const Finding& finding : compare(reference, translation)) {
+    std::printf("%s: %s: %s\n", printable(file).c_str(), finding.key.c_str(), finding.problem.c_str());
+    markFailed();
   }
-  return good;
 }
 
-int run(Words words) {
-  const IString command = words.empty() ? IString() : words[0];
-  if (command == IString("help")) return std::fputs(usage, stdout), 0;
-  if (command != IString("check") || words.size() < 3) return std::fputs(usage, stderr), 2;
-  const IString reference = words[1];
-  words.erase(words.begin(), words.begin() + 2);
-  return check(reference, words) ? 0 : 1;
+/// Compares all files that can be read with the first one.
+void run(const CommandLine& line) {
+  Catalog reference;
+  if (!read(line.words[0], reference)) return;
+  for (std::size_t i = 1; i < line.words.size(); ++i) check(reference, line.words[i]);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "");
-  prepareProcess();
-  const int status = run(commandLineWords(argc, argv));
-  if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
-  std::fputs("qvcatalog: standard output: it cannot be written\n", stderr);
-  return 1;
+  return runTool({"qvcatalog", usage, commands, {}, nullptr, run}, argc, argv);
 }
