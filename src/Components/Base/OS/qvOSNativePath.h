@@ -18,15 +18,16 @@ namespace qvOS {
 ///   name nothing here. They give an empty text, which no file has, so the system answers that there is no
 ///   such file.
 ///
-/// On Windows the result is UTF-8 with lone surrogates kept in that same way.
+/// On Windows the result is the path itself in UTF-8, where a lone surrogate has the three bytes that UTF-8
+/// would give to its code. Only a path with a zero unit gives an empty text.
 [[nodiscard]] QV_BASE_API qvString::CString toNativePath(const qvString::IString& path);
 /// The same of the name.
 [[nodiscard]] inline qvString::CString toNativePath(const Filename& file) {
   return toNativePath(file.name());
 }
 
-/// The wide path of a file that the system knows as `path`. `toNativePath` gives the same bytes again,
-/// whatever they are. An absolute path begins with "C:\". On POSIX systems a byte that is no part of UTF-8
+/// The wide path of a file that the system knows as `path`. `toNativePath` gives the same bytes again, on
+/// POSIX systems whatever they are. There an absolute path begins with "C:\", a byte that is no part of UTF-8
 /// becomes the lone surrogate U+DC00 plus the byte, a backslash U+DC5C, and a colon in the second place of a
 /// name U+DC3A, so that no name is mistaken for a directory or a drive.
 [[nodiscard]] QV_BASE_API qvString::IString fromNativePath(const qvString::CString& path);

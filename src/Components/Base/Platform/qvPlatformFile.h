@@ -2,8 +2,14 @@
 // (see qvPlatformPath.h); an empty one names nothing, and every call on it gives `ErrorKind::notFound`.
 //
 // Every operation returns the system's number, 0 for success, retries what a signal interrupted, and
-// announces itself to `beforeCall` under the name that stands in square brackets. Results are stored on
-// success only, except for counts, which always tell how many bytes went.
+// announces itself to `beforeCall` under the name that stands in square brackets; of several names, under
+// those of the steps that this system needs. Results are stored on success only, except for counts, which
+// always tell how many bytes went.
+//
+// On Windows a file that is opened here may be read, written, renamed and deleted by others meanwhile, as
+// near to POSIX systems as that one comes: a name that was deleted while its file is open may stay taken
+// until the last handle closes. Of the permission bits there is one, the read-only mark: no bit for writing
+// is set where it stands, and a file without the owner's bit for writing gets it. Directories have all bits.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +33,7 @@ enum OpenFlag : unsigned {
   openCreate = 8,     ///< Make the file where there is none.
   openExclusive = 16, ///< With `openCreate`: fail with `exists` where the name is taken, by a link too.
   openTruncate = 32,  ///< Empty the file.
-  openPrivate = 64,   ///< A file that is made here is for its owner only.
+  openPrivate = 64,   ///< A file that is made here is for its owner only, where files have permission bits.
 };
 
 /// Opens the file [open]. A directory gives `isDirectory`, whatever the flags are.
@@ -57,8 +63,9 @@ enum class SeekFrom { start, current, end };
 
 // ---- C streams -----------------------------------------------------------------------------------------
 
-/// Opens a C stream as `fopen` reads `mode` ("r", "w" or "a", then any of "b", "+", "x"; what else stands
-/// there is passed over), by way of `openFile` [open].
+/// Opens a C stream as `fopen` reads `mode` ("r", "w" or "a", then any of "b", "t", "+", "x"; what else
+/// stands there is passed over), by way of `openFile` [open]. Bytes stay what they are, but for "t" where the
+/// runtime has a text form, with the line ends of Windows.
 [[nodiscard]] int openStream(const char* path, const char* mode, std::FILE** stream) noexcept;
 /// Makes a C stream of a handle, which then belongs to the stream; on failure it still belongs to the caller
 /// [stream].
@@ -90,7 +97,7 @@ struct FileInfo {
   std::int64_t size = 0;                ///< Bytes.
   std::int64_t modified = 0;            ///< Last change of the content, seconds since 1970 UTC.
   std::int32_t modifiedNanoseconds = 0; ///< The part of `modified` below a second.
-  std::int64_t changed = 0; ///< Last change of the content or the attributes, seconds since 1970 UTC.
+  std::int64_t changed = 0; ///< Last change of content or attributes, on Windows the creation; as `modified`.
   unsigned permissions = 0; ///< The nine bits `rwxrwxrwx`.
   std::uint64_t volume = 0; ///< With `serial`: equal for two names of one file, and only then.
   std::uint64_t serial = 0;
@@ -112,7 +119,8 @@ struct AccountName {
   std::string domain;
   std::string account;
 };
-/// Who owns what `path` leads to [owner].
+/// Who owns what `path` leads to [owner]. Where the system itself looks accounts up, as Windows does, an
+/// identity without one is a failure.
 [[nodiscard]] int queryOwner(const char* path, AccountName* owner);
 /// The group of what `path` leads to [owner].
 [[nodiscard]] int queryGroup(const char* path, AccountName* group);
@@ -142,8 +150,8 @@ enum AccessRight : int { accessExists = 0, accessExecute = 1, accessWrite = 2, a
 [[nodiscard]] int copyFile(const char* from, const char* to, bool overwrite) noexcept;
 /// Sets the nine permission bits of what `path` leads to [attributes].
 [[nodiscard]] int setPermissions(const char* path, unsigned permissions) noexcept;
-/// Gives `to` the permission bits of `from`, and its owner and group as far as the system allows [stat]
-/// [attributes].
+/// Gives `to` the permission bits of `from`, and its owner, group and list of rights as far as the system has
+/// and allows them [stat] [attributes].
 [[nodiscard]] int copyAttributes(const char* from, const char* to) noexcept;
 /// Sets the modification time, seconds since 1970 UTC [attributes].
 [[nodiscard]] int setModified(const char* path, std::int64_t seconds, std::int32_t nanoseconds) noexcept;

@@ -1,5 +1,7 @@
 // Native paths: what the process and the system know of them, and their conversion to and from wide paths.
-// A native path is bytes as the system takes them, whatever their encoding.
+// A native path is bytes as the system takes them, whatever their encoding. Windows takes units instead:
+// there it is the wide path in UTF-8, each lone surrogate in the three bytes that UTF-8 would give to its
+// code.
 #pragma once
 
 #include "Base/qvBase.h"
@@ -16,8 +18,9 @@ inline constexpr char pathListSeparator = ';';
 inline constexpr char pathListSeparator = ':';
 #endif
 
-/// The wide path of `length` units as a native path. Empty where no native path can be meant: another drive
-/// than `C:`, a network name, a zero unit. The rules stand in OS/qvOSNativePath.h.
+/// The wide path of `length` units as a native path. Empty where no native path can be meant: a zero unit,
+/// and where there are no drives another one than `C:` or a network name. The rules stand in
+/// OS/qvOSNativePath.h.
 [[nodiscard]] std::string nativePath(const qv::WChar* path, std::size_t length);
 /// The native path of `length` bytes as a wide path that `nativePath` turns into the same bytes.
 [[nodiscard]] std::basic_string<qv::WChar> widePath(const char* path, std::size_t length);
@@ -33,7 +36,8 @@ inline constexpr char pathListSeparator = ':';
 [[nodiscard]] int executablePath(std::string* path);
 
 /// `path` made absolute from the current directory [getcwd], with no `.` and no doubled separators. A `..` is
-/// resolved only against the current directory, where it cannot lead through a link. Nothing needs to exist.
+/// resolved only against the current directory, where it cannot lead through a link; on Windows everywhere,
+/// as the system resolves it in every path. Nothing needs to exist.
 [[nodiscard]] int absolutePath(const char* path, std::string* absolute);
 /// The absolute path of an existing file without links, `.` and `..` [realpath].
 [[nodiscard]] int realPath(const char* path, std::string* real);

@@ -334,6 +334,11 @@ TEST(File, statusTellsWhatTheFileIs) {
   ASSERT_FALSE(File::query(scratch.name("."), status));
   EXPECT_TRUE(status.isDirectory() && status.exists() && !status.isFile());
 
+  // A size that a `long` cannot hold is a failure and no other size.
+  fs::resize_file(scratch.path("f"), 3'000'000'000);
+  EXPECT_EQ(scratch.file("f").query(status, false).num(), sizeof(long) < 8 ? 4 : 0);
+  fs::resize_file(scratch.path("f"), 5);
+
   for (const char* name : {"missing", "f/below"}) {
     status.setExists(true);
     status.setSize(9);

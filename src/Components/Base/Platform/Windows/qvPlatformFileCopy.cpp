@@ -29,7 +29,13 @@ int copyFile(const char* from, const char* to, bool overwrite) noexcept {
     if (const int error = reserveRoom(from, to)) return error;
   const SystemPath source(from);
   return pathCall("copy", to, [&](const wchar_t* target) {
-    return source.isValid() && ::CopyFileW(source.get(), target, !overwrite);
+    if (!source.isValid()) return FALSE;
+    // A link takes a name too, wherever it leads.
+    if (!overwrite && ::GetFileAttributesW(target) != INVALID_FILE_ATTRIBUTES) {
+      ::SetLastError(ERROR_FILE_EXISTS);
+      return FALSE;
+    }
+    return ::CopyFileW(source.get(), target, !overwrite);
   });
 }
 

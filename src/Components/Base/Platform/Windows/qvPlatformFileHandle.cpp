@@ -68,8 +68,11 @@ int attach(Handle& handle, int flags) {
 
 int openFile(const char* path, unsigned flags, FileHandle* file) noexcept {
   Handle handle;
+  const DWORD disposition = dispositionOf(flags);
+  // A link takes a name too, wherever it leads.
+  const DWORD how = disposition == CREATE_NEW ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
   const int error =
-      openHandle("open", path, accessOf(flags), dispositionOf(flags), FILE_ATTRIBUTE_NORMAL, &handle);
+      openHandle("open", path, accessOf(flags), disposition, FILE_ATTRIBUTE_NORMAL | how, &handle);
   if (errorKind(error) == ErrorKind::denied && isDirectory(path)) return errorNumber(ErrorKind::isDirectory);
   if (error) return error;
   const int descriptor = attach(handle, descriptorFlagsOf(flags));

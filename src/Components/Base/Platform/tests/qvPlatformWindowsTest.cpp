@@ -138,6 +138,23 @@ TEST(PlatformWindows, OpenFilesMayBeRenamedAndDeleted) {
   EXPECT_FALSE(directory.exists("to"));
 }
 
+TEST(PlatformWindows, PositionsHave64Bits) {
+  const qvTest::Directory directory;
+  const std::string path = directory.write("file", "");
+  constexpr std::int64_t far = 5'000'000'000;
+  FileHandle file = noFile;
+  std::FILE* stream = nullptr;
+  std::int64_t position = 0;
+  ASSERT_EQ(openFile(path.c_str(), openRead | openWrite, &file), 0);
+  EXPECT_EQ(seekFile(file, far, SeekFrom::start, &position), 0);
+  EXPECT_EQ(position, far);
+  EXPECT_EQ(closeFile(file), 0);
+  ASSERT_EQ(openStream(path.c_str(), "r+b", &stream), 0);
+  EXPECT_EQ(seekStream(stream, far, SeekFrom::start, &position), 0);
+  EXPECT_EQ(position, far);
+  EXPECT_EQ(closeStream(stream), 0);
+}
+
 TEST(PlatformWindows, TextHasItsLineEndsInTheTextFormOnly) {
   const qvTest::Directory directory;
   const std::string path = directory.path("file");
