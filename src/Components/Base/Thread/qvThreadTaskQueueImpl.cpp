@@ -151,16 +151,16 @@ bool QueueImpl::hasCapacity() const noexcept { return shared_.outstanding < 2 * 
 void QueueImpl::collect() {
   if (shared_.outstanding == 0) return;
   TaskList collected;
-  {
+  if (shared_.done.count() > 0) { // what comes in after this look is collected another time
     MutexOp op(shared_.condition.getMutex(), true);
     op.lock();
     collected.takeAll(shared_.done);
     shared_.outstanding -= collected.count();
-    shared_.expectCompletion = shared_.outstanding > 0;
     // A post that is left told of what is collected now. What remains will post anew.
     while (shared_.completionSemaphore.tryWait()) {
     }
   }
+  shared_.expectCompletion = shared_.outstanding > 0;
   while (TaskNode* const node = collected.popFront()) {
     if (cancelled()) node->skip = true;
     readyList_.pushFront(*node);
