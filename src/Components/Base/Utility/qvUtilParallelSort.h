@@ -41,16 +41,9 @@ private:
 template <class It, class Predicate>
 class SMPSortPiecewise : public ThreadedAlg {
 public:
-  SMPSortPiecewise(It begin, It end, Predicate predicate) : begin_(begin), end_(end), predicate_(predicate) {}
+  SMPSortPiecewise(It begin, It end, Predicate predicate);
 
-  void execute(int threadIndex, int) override {
-    if (threadIndex > 1) return;
-    const It middle = begin_ + (end_ - begin_ + 1) / 2;
-    if (threadIndex == 0)
-      serialSort(begin_, middle, predicate_);
-    else
-      serialSort(middle, end_, predicate_);
-  }
+  void execute(int threadIndex, int) override;
 
 private:
   It begin_, end_;
@@ -62,62 +55,100 @@ private:
 template <class It, class Predicate>
 class SMPSortMerge : public ThreadedAlg {
 public:
-  SMPSortMerge(It begin, It end, Predicate predicate)
-      : begin_(begin),
-        end_(end),
-        scratch_(new Value[static_cast<std::size_t>(end - begin)]),
-        predicate_(predicate) {}
+  SMPSortMerge(It begin, It end, Predicate predicate);
 
-  void execute(int threadIndex, int) override {
-    if (threadIndex == 0) mergeForward();
-    if (threadIndex == 1) mergeBackward();
-  }
-  void finalize() override { std::copy_n(scratch_.get(), end_ - begin_, begin_); }
+  void execute(int threadIndex, int) override;
+  void finalize() override;
 
 private:
   using Value = std::iter_value_t<It>;
 
-  [[nodiscard]] It middle() const { return begin_ + (end_ - begin_ + 1) / 2; }
+  [[nodiscard]] It middle() const;
 
   // Both copy and do not move, since the other thread may compare with the same element.
-  void mergeForward() {
-    It left = begin_, right = middle();
-    Value* out = scratch_.get();
-    Value* const stop = out + (right - begin_);
-    while (out != stop && right != end_) {
-      if (end_ - right > detail::loadDistance) {
-        detail::loadAhead(left + detail::loadDistance, predicate_); // it lies before `end_` as well
-        detail::loadAhead(right + detail::loadDistance, predicate_);
-      }
-      const bool takeRight = predicate_(*right, *left);
-      *out++ = takeRight ? *right : *left;
-      right += takeRight;
-      left += !takeRight;
-    }
-    std::copy_n(left, stop - out, out);
-  }
+  void mergeForward();
 
-  void mergeBackward() {
-    It left = middle(), right = end_;
-    Value* out = scratch_.get() + (end_ - begin_);
-    Value* const stop = scratch_.get() + (left - begin_);
-    while (out != stop && left != begin_) {
-      if (left - begin_ > detail::loadDistance) {
-        detail::loadAhead(left - 1 - detail::loadDistance, predicate_);
-        detail::loadAhead(right - 1 - detail::loadDistance, predicate_); // it lies behind `begin_` as well
-      }
-      const bool takeLeft = predicate_(right[-1], left[-1]);
-      *--out = takeLeft ? left[-1] : right[-1];
-      left -= takeLeft;
-      right -= !takeLeft;
-    }
-    std::copy_backward(right - (out - stop), right, out);
-  }
+  void mergeBackward();
 
   It begin_, end_;
   std::unique_ptr<Value[]> scratch_;
   Predicate predicate_;
 };
+
+// ---- Their work: outside of the classes, so that every compiler exports what is instantiated below ----
+
+template <class It, class Predicate>
+SMPSortPiecewise<It, Predicate>::SMPSortPiecewise(It begin, It end, Predicate predicate)
+    : begin_(begin), end_(end), predicate_(predicate) {}
+
+template <class It, class Predicate>
+void SMPSortPiecewise<It, Predicate>::execute(int threadIndex, int) {
+  if (threadIndex > 1) return;
+  const It middle = begin_ + (end_ - begin_ + 1) / 2;
+  if (threadIndex == 0)
+    serialSort(begin_, middle, predicate_);
+  else
+    serialSort(middle, end_, predicate_);
+}
+
+template <class It, class Predicate>
+SMPSortMerge<It, Predicate>::SMPSortMerge(It begin, It end, Predicate predicate)
+    : begin_(begin),
+      end_(end),
+      scratch_(new Value[static_cast<std::size_t>(end - begin)]),
+      predicate_(predicate) {}
+
+template <class It, class Predicate>
+void SMPSortMerge<It, Predicate>::execute(int threadIndex, int) {
+  if (threadIndex == 0) mergeForward();
+  if (threadIndex == 1) mergeBackward();
+}
+
+template <class It, class Predicate>
+void SMPSortMerge<It, Predicate>::finalize() {
+  std::copy_n(scratch_.get(), end_ - begin_, begin_);
+}
+
+template <class It, class Predicate>
+It SMPSortMerge<It, Predicate>::middle() const {
+  return begin_ + (end_ - begin_ + 1) / 2;
+}
+
+template <class It, class Predicate>
+void SMPSortMerge<It, Predicate>::mergeForward() {
+  It left = begin_, right = middle();
+  Value* out = scratch_.get();
+  Value* const stop = out + (right - begin_);
+  while (out != stop && right != end_) {
+    if (end_ - right > detail::loadDistance) {
+      detail::loadAhead(left + detail::loadDistance, predicate_); // it lies before `end_` as well
+      detail::loadAhead(right + detail::loadDistance, predicate_);
+    }
+    const bool takeRight = predicate_(*right, *left);
+    *out++ = takeRight ? *right : *left;
+    right += takeRight;
+    left += !takeRight;
+  }
+  std::copy_n(left, stop - out, out);
+}
+
+template <class It, class Predicate>
+void SMPSortMerge<It, Predicate>::mergeBackward() {
+  It left = middle(), right = end_;
+  Value* out = scratch_.get() + (end_ - begin_);
+  Value* const stop = scratch_.get() + (left - begin_);
+  while (out != stop && left != begin_) {
+    if (left - begin_ > detail::loadDistance) {
+      detail::loadAhead(left - 1 - detail::loadDistance, predicate_);
+      detail::loadAhead(right - 1 - detail::loadDistance, predicate_); // it lies behind `begin_` as well
+    }
+    const bool takeLeft = predicate_(right[-1], left[-1]);
+    *--out = takeLeft ? left[-1] : right[-1];
+    left -= takeLeft;
+    right -= !takeLeft;
+  }
+  std::copy_backward(right - (out - stop), right, out);
+}
 
 /// Sorts a range of copyable elements on the installed thread pool, or in this thread where that has one
 /// thread only. Not stable. `less` is copied and called by two threads at once, and may do parallel work
