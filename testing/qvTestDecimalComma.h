@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -40,12 +41,11 @@ private:
       characters += line;
     }
     const std::string map = directory_.write("characters", characters + "END CHARMAP\n");
-    const char* const order = std::endian::native == std::endian::big ? " --big-endian" : " --little-endian";
-    const std::string quiet = " >" + directory_.path("messages") + " 2>&1";
-    // It warns of what is left out, so its result tells nothing.
-    static_cast<void>(std::system(("localedef -c --no-archive" + (order + (" -i " + source)) + " -f " + map +
-                                   ' ' + directory_.path("comma") + quiet)
-                                      .c_str()));
+    std::string command = "localedef -c --no-archive";
+    command += std::endian::native == std::endian::big ? " --big-endian" : " --little-endian";
+    command += " -i " + source + " -f " + map + ' ' + directory_.path("comma");
+    command += " >" + directory_.path("messages") + " 2>&1";
+    static_cast<void>(std::system(command.c_str())); // it warns of what is left out: its result tells nothing
   }
 
   Directory directory_;

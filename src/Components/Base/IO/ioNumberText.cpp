@@ -6,10 +6,11 @@
 
 namespace {
 
-constexpr std::string_view blanks = " \t\n\v\f\r";
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view hexDigits = "0123456789abcdefABCDEF";
 
+/// As in the C locale.
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isOneOf(std::string_view set, char c) { return set.find(c) != set.npos; }
 bool startsWithDigit(std::string_view text, std::string_view set) {
   return !text.empty() && isOneOf(set, text.front());
@@ -17,7 +18,7 @@ bool startsWithDigit(std::string_view text, std::string_view set) {
 
 /// Takes the blanks and the sign before a number. @return whether it is negative.
 bool takeSign(std::string_view& text) {
-  while (!text.empty() && isOneOf(blanks, text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text.remove_prefix(1);
   return negative;

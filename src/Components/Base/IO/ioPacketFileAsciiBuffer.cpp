@@ -19,7 +19,22 @@ constexpr std::string_view chunkEndMark = "] ";
 constexpr std::string_view subPacketMark = "\n  < ";
 constexpr std::string_view subPacketEndMark = "> ";
 
-constexpr std::string_view escaped = "\"<>[\\]{}";
+/// Whether a character of a text may be taken for a part of the packet.
+constexpr bool mustBeEscaped(char c) noexcept {
+  switch (c) {
+  case '"':
+  case '<':
+  case '>':
+  case '[':
+  case '\\':
+  case ']':
+  case '{':
+  case '}':
+    return true;
+  default:
+    return false;
+  }
+}
 
 [[noreturn]] void waitForEver() {
   for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
@@ -45,18 +60,16 @@ void ioPacketFileAsciiBuffer::put(std::string_view text) {
 
 void ioPacketFileAsciiBuffer::putCharacter(char c) {
   const char both[] = {'\\', c};
-  put(escaped.find(c) == escaped.npos ? std::string_view(&c, 1) : std::string_view(both, 2));
+  put(mustBeEscaped(c) ? std::string_view(both, 2) : std::string_view(&c, 1));
 }
 
 void ioPacketFileAsciiBuffer::putCString(const char* text) {
   put("\"");
-  for (std::string_view left = text; !left.empty();) {
-    const std::size_t plain = std::min(left.find_first_of(escaped), left.size());
-    put(left.substr(0, plain));
-    left.remove_prefix(plain);
-    if (left.empty()) break;
-    putCharacter(left.front());
-    left.remove_prefix(1);
+  for (const char* const end = text + std::strlen(text); text != end;) {
+    const char* const special = std::find_if(text, end, mustBeEscaped);
+    put({text, special});
+    text = special;
+    if (text != end) putCharacter(*text++);
   }
   put("\" ");
 }
@@ -86,8 +99,9 @@ void ioPacketFileAsciiBuffer::endSubPacket(ioWriteContext&) { put(subPacketEndMa
 
 int ioPacketFileAsciiBuffer::readPacketHeader(ioReadContext& context, ioBufferedStreamInput& stream) {
   setPacketType(nullptr);
-  while (stream.readChar() != packetMark.front()) {
-  } // it gives 0 for ever at the end of the stream
+  char c;
+  do c = stream.readChar(); // 0 for ever, at the end of the stream
+  while (c != packetMark.front());
   if (!readBody(stream)) return 0;
   step(rest().find_first_not_of(" \n"));
   const int typeId = getNumber<int>();
@@ -102,20 +116,22 @@ bool ioPacketFileAsciiBuffer::readBody(ioBufferedStreamInput& stream) {
   block_.startPacket();
   cursor_ = 0;
   end_ = -1;
+  chunkHasData_ = false;
   int size = 0;
   bool ended = false;
   while (!ended && stream.good() && stream.holdMore()) {
     ioBuffer& link = *stream.bufferChain_;
     const auto* const held = reinterpret_cast<const char*>(link.heldData());
     const std::string_view text(held, static_cast<std::size_t>(link.heldBytes()));
-    const std::size_t mark = std::min(text.find(packetEndMark.front()), text.size());
-    if (!block_.makeRoom(size, mark + 1)) return false;
-    std::memcpy(block_.data() + size, held, mark);
-    size += static_cast<int>(mark);
-    ended = mark < text.size() && !endsInEscape({block_.data(), static_cast<std::size_t>(size)});
-    if (mark < text.size() && !ended) block_.data()[size++] = packetEndMark.front();
-    link.dropHeld(static_cast<int>(std::min(mark + 1, text.size())));
+    const std::size_t mark = text.find(packetEndMark.front());
+    const std::size_t taken = mark == text.npos ? text.size() : mark + 1;
+    if (!block_.makeRoom(size, taken)) return false;
+    std::memcpy(block_.data() + size, held, taken);
+    size += static_cast<int>(taken);
+    link.dropHeld(static_cast<int>(taken));
+    ended = mark != text.npos && !endsInEscape({block_.data(), static_cast<std::size_t>(size) - 1});
   }
+  if (ended) --size; // the mark
   block_.data()[size] = '\0';
   end_ = size - 1;
   return ended;

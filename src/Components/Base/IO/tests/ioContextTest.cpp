@@ -96,7 +96,10 @@ TEST_P(ioContextTest, aClientMayReadAsLittleAsItLikes) {
   if (!qvTest::isTagged(GetParam())) clients.insert(clients.end(), astray.begin(), astray.end());
   for (const auto& client : clients) {
     int packets = 0;
-    const auto read = [&](ioReadContext& c) { c.definePacketReference(&object), client(c), ++packets; };
+    const auto read = [&](ioReadContext& c) {
+      EXPECT_FALSE(c.moreInChunk());
+      c.definePacketReference(&object), client(c), ++packets;
+    };
     EXPECT_EQ(readPackets(two, {{"t", read}}), ioOK);
     EXPECT_EQ(packets, 2);
   }
