@@ -27,9 +27,9 @@ public:
   ServiceManager& operator=(const ServiceManager&) = delete;
 
   /// Loads every declaration library of the directories of `qvOS::AppMain::getPluginDirectories`, or of that
-  /// subdirectory (UTF-8) of each, in the order in which the system lists them. Once only: later calls do
-  /// nothing. A library that cannot be loaded is told on the first stream of `qvOS::AppOutput`, one without
-  /// services on the second, and the rest goes on.
+  /// subdirectory (UTF-8) of each, in the order in which the system lists them. Later calls on
+  /// this manager do nothing. A library that cannot be loaded is told on the first stream of
+  /// `qvOS::AppOutput`, one without services on the second, and the rest goes on.
   ///
   /// A declaration library is a file whose name begins with "serviceDecl_" and has at least one character
   /// more before its suffix, which is not one of files with debug symbols.
