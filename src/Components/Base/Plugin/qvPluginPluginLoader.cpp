@@ -15,10 +15,8 @@ qvOS::Filename filenameOf(const char* path) {
 template <class T>
 qv::Reference<T> PluginLoader::loaded(qv::Reference<T> plugin) {
   error_.erase();
-  // A plug-in's load is private, and its own error with it.
-  Plugin& base = *plugin;
-  if (base.load()) return plugin;
-  error_ = qvString::IString(base.getError(), qvString::UTF8Encoding);
+  if (plugin->load()) return plugin;
+  error_ = qvString::IString(plugin->getError(), qvString::UTF8Encoding);
   return nullptr;
 }
 
