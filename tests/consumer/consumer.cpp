@@ -1,4 +1,5 @@
-// What crosses the library's boundary: functions, data, an exception, and a class that the program derives from.
+// What crosses the library's boundary: functions, data, an exception, and a class that the program derives
+// from.
 #include "Base/IO/ioPackageFile.h"
 #include "Base/Utility/qvReferenceCount.h"
 #include "Base/Utility/qvUtilBuild.h"

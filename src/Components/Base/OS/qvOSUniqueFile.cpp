@@ -8,6 +8,7 @@
 namespace qvOS {
 
 using qvPlatform::ErrorKind;
+using qvString::CString;
 using qvString::IString;
 
 namespace {
@@ -24,6 +25,11 @@ IString shortPrefix(const IString& prefix) {
 } // namespace
 
 int makeUniqueFile(const Filename& directory, const IString& prefix, Filename* made) {
+  std::string chosen;
+  const int refused = qvPlatform::makeNamedBySystem(toNativePath(directory).asChar(),
+                                                    toNativePath(shortPrefix(prefix)).asChar(), &chosen);
+  if (!refused) *made = Filename(fromNativePath(CString(chosen.c_str())));
+  if (qvPlatform::errorKind(refused) != ErrorKind::tooLong) return refused;
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     IString number;
     number.format("%08X.tmp", static_cast<unsigned>(qvPlatform::randomName()));

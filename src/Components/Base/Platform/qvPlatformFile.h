@@ -38,6 +38,10 @@ enum OpenFlag : unsigned {
 
 /// Opens the file [open]. A directory gives `isDirectory`, whatever the flags are.
 [[nodiscard]] int openFile(const char* path, unsigned flags, FileHandle* file) noexcept;
+/// Makes an empty file in `directory` under a free name that the system chooses: the first three characters
+/// of `prefix`, a hexadecimal number and ".tmp" [open]. `tooLong` where the system chooses no names, or none
+/// in so long a directory.
+[[nodiscard]] int makeNamedBySystem(const char* directory, const char* prefix, std::string* made);
 /// Closes the handle, and then reports what went wrong on the way [close]. The handle is gone in every case.
 int closeFile(FileHandle file) noexcept;
 /// Reads until `size` bytes came or the file ended, and adds nothing to `*count` (may be null) but what came

@@ -71,6 +71,8 @@ int copyLink(const char* from, const char* to) noexcept {
   return retryCall("symlink", [&] { return ::symlink(target, to); });
 }
 
+int makeNamedBySystem(const char*, const char*, std::string*) { return ENAMETOOLONG; }
+
 int makeDirectory(const char* path) noexcept {
   return retryCall("mkdir", [&] { return ::mkdir(path, 0777); });
 }

@@ -1,5 +1,6 @@
 // Names of files and directories: made, changed and removed.
 #include "Base/Platform/Windows/qvPlatformSystem.h"
+#include "Base/Platform/qvPlatformPath.h"
 
 #include <cstring>
 
@@ -48,6 +49,20 @@ int copyLink(const char* from, const char* to) noexcept {
     constexpr DWORD flags = COPY_FILE_COPY_SYMLINK | COPY_FILE_FAIL_IF_EXISTS;
     return ::CopyFileExW(source, target, nullptr, nullptr, nullptr, flags);
   });
+}
+
+int makeNamedBySystem(const char* directory, const char* prefix, std::string* made) {
+  const std::wstring folder = widePath(directory, std::strlen(directory));
+  const std::wstring start = widePath(prefix, std::strlen(prefix));
+  constexpr std::size_t longest = MAX_PATH - 14; // the call leaves no more to the directory
+  if (folder.size() > longest) return errorNumber(ErrorKind::tooLong);
+  wchar_t name[MAX_PATH] = L"";
+  constexpr UINT makeTheFile = 0;
+  const int error = systemCall(
+      "open", [&] { return ::GetTempFileNameW(folder.c_str(), start.c_str(), makeTheFile, name) != 0; });
+  if (error == ERROR_DIRECTORY) return ERROR_PATH_NOT_FOUND;
+  if (!error) *made = nativeText(name);
+  return error;
 }
 
 int makeDirectory(const char* path) noexcept {
