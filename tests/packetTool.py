@@ -166,6 +166,9 @@ def shapes():
     data = write("f", front(types=("packetFile_string", "packetFile_EOF", b"\x1b\xffx")) + packet(b"s" + strange + b"\0") + END)
     check(dump(0, "", data)[1]["items"] == [value("CString", '\x1b[2J\u009b\u00ff"\\\n\u00ed\u00a0\u0080\U0001f600')], "text")
     check('CString "\\x1b[2J\\xc2\\x9b\\xff\\"\\\\\\x0a\\xed\\xa0\\x80\U0001f600"' in expect(0, "", "dump", data), "text")
+    for shift in range(5):  # long texts, which are printed in parts
+        data = front() + packet(b"s" + b"a" * shift + b"\xf0\x9f\x98\x80\x80" * 2000 + b"\0") + END
+        check(items(data) == [value("CString", "a" * shift + "\U0001f600\x80" * 2000)], shift)
     write("f", front(types=("packetFile_string", "packetFile_EOF", b'\x1b"')) + packet(b"rI\5\0\0\0rI\0\0\0\0") + END)
     check('label="\\\\x1b\\" at ' in expect(0, "", "graph", "f") and run("graph", "f")[1].count("->") == 1, "a packet that is no object")
     expect(1, "without type tags", "graph", GOLDEN + "/bigEndian/plain.packets")

@@ -8,6 +8,3 @@
 
 /// The name of a type, for people.
 [[nodiscard]] std::string typeText(const FileHeader& header, int id);
-
-/// A value as a number or word of JSON; what is none as `quote` writes it.
-[[nodiscard]] std::string scalarText(const Scalar& scalar, std::string (*quote)(std::string_view));

@@ -2,6 +2,7 @@
 
 #include "describe.h"
 #include "input.h"
+#include "print.h"
 #include "printable.h"
 #include "walk.h"
 
@@ -10,12 +11,6 @@
 #include <cstdio>
 
 namespace {
-
-void appendHex(std::string& out, char byte) {
-  constexpr const char* digits = "0123456789abcdef";
-  out += digits[static_cast<unsigned char>(byte) >> 4];
-  out += digits[static_cast<unsigned char>(byte) & 15];
-}
 
 // ---- for people ----
 
@@ -39,7 +34,10 @@ class PlainDump final : public Visitor {
   void close() override { indentation_ -= 2; }
 
   void value(const char* kind, const Scalar& scalar) override {
-    line(std::string(kind) + " " + scalarText(scalar, quoted));
+    indent();
+    std::printf("%s ", kind);
+    printScalar(scalar, quoted);
+    std::putchar('\n');
   }
   void array(const char* kind) override { line(kind); }
 
@@ -51,27 +49,31 @@ class PlainDump final : public Visitor {
   void showLines(std::string_view text) const {
     while (!text.empty()) {
       const std::string_view first = text.substr(0, text.find('\n'));
-      if (first.find_first_not_of(' ') != first.npos) line(printable(first));
       text.remove_prefix(std::min(first.size() + 1, text.size()));
+      if (first.find_first_not_of(' ') == first.npos) continue;
+      indent();
+      printText(first);
+      std::putchar('\n');
     }
   }
 
   void showHex(std::string_view bytes, std::int64_t offset) const {
     constexpr std::size_t width = 16;
-    for (; !bytes.empty(); offset += width) {
-      std::string hex;
-      std::string text;
-      for (const char c : bytes.substr(0, width)) {
-        hex += ' ';
-        appendHex(hex, c);
-        text += c >= 0x20 && c < 0x7F ? c : '.';
-      }
-      hex.resize(3 * width, ' ');
-      line(std::to_string(offset) + ":" + hex + "  " + text);
+    while (!bytes.empty()) {
+      std::string text(bytes.substr(0, width));
+      const int unused = static_cast<int>(3 * (width - text.size()));
+      indent();
+      std::printf("%" PRId64 ":", offset);
+      printHex(text, " ");
+      std::replace_if(
+          text.begin(), text.end(), [](char c) { return c < 0x20 || c >= 0x7F; }, '.');
+      std::printf("%*s  %s\n", unused, "", text.c_str());
       bytes.remove_prefix(text.size());
+      offset += width;
     }
   }
 
+  void indent() const { std::printf("%*s", indentation_, ""); }
   void line(const std::string& text) const { std::printf("%*s%s\n", indentation_, "", text.c_str()); }
 
   FileHeader header_;
@@ -109,7 +111,9 @@ class JsonDump final : public Visitor {
 
   void value(const char* kind, const Scalar& scalar) override {
     separate();
-    std::printf("{\"kind\":\"%s\",\"value\":%s}", kind, scalarText(scalar, jsonString).c_str());
+    std::printf("{\"kind\":\"%s\",\"value\":", kind);
+    printScalar(scalar, jsonString);
+    std::putchar('}');
   }
   void array(const char* kind) override {
     separate();
@@ -117,14 +121,9 @@ class JsonDump final : public Visitor {
   }
 
   void bytes(std::string_view bytes, std::int64_t, const char*) override {
-    constexpr std::size_t part = 4096;
     separate();
     std::fputs("{\"bytes\":\"", stdout);
-    for (; !bytes.empty(); bytes.remove_prefix(std::min(part, bytes.size()))) {
-      std::string hex;
-      for (const char c : bytes.substr(0, part)) appendHex(hex, c);
-      std::fputs(hex.c_str(), stdout);
-    }
+    printHex(bytes, "");
     std::fputs("\"}", stdout);
   }
 
