@@ -39,7 +39,7 @@ void write(std::string_view text) {
 
 void qvUndoReportInit(const char* path) {
   closeReport();
-  if (qvPlatform::openStream(qvOS::toNativePath(qvString::IString(path)).asChar(), "a", &reportFile)) return;
+  if (qvPlatform::openStream(qvOS::toNativePath(qvString::IString(path)).asChar(), "at", &reportFile)) return;
   write("\n------------------------------\n\n");
 }
 

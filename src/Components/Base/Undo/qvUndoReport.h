@@ -7,7 +7,8 @@
 extern "C" {
 
 /// Opens the file for appending and rules a line in it. Until that has worked, and after a failure, nothing
-/// is reported. A report that was open is closed. `path` is in the default encoding.
+/// is reported. A report that was open is closed. `path` is in the default encoding; lines end as the
+/// system's do.
 QV_BASE_API void qvUndoReportInit(const char* path);
 
 /// Adds a text, formatted by the rules of `QL_vsnprintf` and cut at 1023 characters, and flushes. The text is

@@ -28,7 +28,7 @@ protected:
 
   /// What was reported, with each address as "@".
   [[nodiscard]] std::string report() const {
-    return std::regex_replace(directory.read("report"), std::regex("0x[0-9A-F]{16}"), "@");
+    return std::regex_replace(directory.readText("report"), std::regex("0x[0-9A-F]{16}"), "@");
   }
 
   qvTest::Directory directory;
