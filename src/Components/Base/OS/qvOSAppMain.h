@@ -12,8 +12,8 @@
 namespace qvOS {
 
 /// One instance in the process. Locations are absolute, found when first asked for and then kept; one that
-/// the system does not tell is empty. Links are followed: a library that was loaded through one lies where
-/// the file itself does. Not thread-safe.
+/// the system does not tell is empty. On POSIX systems links are followed: a library that was loaded through
+/// one lies where the file itself does. Not thread-safe.
 class AppMain {
 public:
   /// The instance, built by the first call, which may come before `main`, and destroyed when the library

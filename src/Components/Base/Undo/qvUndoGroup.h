@@ -14,6 +14,7 @@ class Manager;
 /// interface.
 class QV_BASE_API Group : public State {
 public:
+  /// Keeps nothing of `manager`.
   explicit Group(Manager* manager);
   Group(const Group&) = delete;
   Group& operator=(const Group&) = delete;
