@@ -15,16 +15,6 @@ using qvOS::AppOutputStatusTab;
 using qvOS::AppOutputStream;
 using qvString::IString;
 
-/// A scratch directory whose texts are read with lines as the program wrote them.
-class Texts : public qvTest::Scratch {
-public:
-  [[nodiscard]] std::string text(std::string_view file) const {
-    std::string bytes = read(file);
-    std::erase(bytes, '\r');
-    return bytes;
-  }
-};
-
 TEST(AppOutputStream, IndentsWhereLinesOfTheFormatStart) {
   const struct {
     int line;
@@ -40,7 +30,7 @@ TEST(AppOutputStream, IndentsWhereLinesOfTheFormatStart) {
       {__LINE__, 0, {"a\nb", "c\n", "", "d"}, "a\nbc\nd"},
       {__LINE__, -3, {"a\n"}, "a\n"},
   };
-  const Texts texts;
+  const qvTest::Scratch texts;
   AppOutputStream out(false);
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
@@ -48,12 +38,12 @@ TEST(AppOutputStream, IndentsWhereLinesOfTheFormatStart) {
     out.setIndentLevel(row.indent);
     EXPECT_EQ(out.getIndentLevel(), std::max(row.indent, 0));
     for (const char* format : row.formats) out.printf(format);
-    EXPECT_EQ(texts.text("out"), row.wanted);
+    EXPECT_EQ(texts.readText("out"), row.wanted);
   }
 }
 
 TEST(AppOutputStream, KnowsOfLineStartsFromTheFormatAlone) {
-  const Texts texts;
+  const qvTest::Scratch texts;
   AppOutputStream out(false);
   out.open(texts.name("out"), false);
   out("x\n"); // a newline counts without indentation, too
@@ -61,7 +51,7 @@ TEST(AppOutputStream, KnowsOfLineStartsFromTheFormatAlone) {
   out("%s%S", "a\nb\n", QV_W("c\n"));
   out("d%s", "\n");
   out("e\n");
-  EXPECT_EQ(texts.text("out"), "x\n  a\nb\nc\nd\ne\n");
+  EXPECT_EQ(texts.readText("out"), "x\n  a\nb\nc\nd\ne\n");
 
   // What a closed stream forgets is where it stood in its line, and nothing else.
   out("no end");
@@ -76,12 +66,13 @@ TEST(AppOutputStream, KnowsOfLineStartsFromTheFormatAlone) {
   out(8, "above the level\n");
   out("%s\n", longText.c_str());
   const std::string zero(1, '\0');
-  EXPECT_EQ(texts.text("out"), "x\n  a\nb\nc\nd\ne\n  no end  xy" + zero + "|   12\n  " + longText + "\n");
+  EXPECT_EQ(texts.readText("out"),
+            "x\n  a\nb\nc\nd\ne\n  no end  xy" + zero + "|   12\n  " + longText + "\n");
 
   out.open(texts.name("out"), false);
   out.timestamp();
   out("later\n");
-  const std::string stamped = texts.text("out");
+  const std::string stamped = texts.readText("out");
   ASSERT_EQ(stamped.size(), 44u) << stamped;
   EXPECT_EQ(stamped.substr(0, 13), "  Timestamp: ");
   int hour = 0, minute = 0, second = 0, year = 0;
@@ -100,7 +91,7 @@ TEST(AppOutputStream, ClosedSwallowsAll) {
   EXPECT_EQ(out.increaseIndentLevel() + out.getIndentLevel(), 0);
   EXPECT_STREQ(out.elapsed(1), "");
   out.close();
-  const Texts texts;
+  const qvTest::Scratch texts;
   EXPECT_FALSE(out.open(texts.name("missing/out"), false));
   ASSERT_TRUE(out.open(texts.name("there"), false));
   EXPECT_FALSE(out.open(qvTest::wide(texts.path()), false)); // closes what was open
@@ -108,7 +99,7 @@ TEST(AppOutputStream, ClosedSwallowsAll) {
 }
 
 TEST(AppOutputStream, SharesFilesAndStandardOutput) {
-  const Texts texts;
+  const qvTest::Scratch texts;
   AppOutputStream first(false), second(false), unflushed(true);
   first.open(texts.name("out"), false);
   first.open(texts.name("out"), true);
@@ -116,19 +107,19 @@ TEST(AppOutputStream, SharesFilesAndStandardOutput) {
   first("1\n");
   second("2\n");
   first("3\n");
-  EXPECT_EQ(texts.text("out"), "1\n2\n3\n");
+  EXPECT_EQ(texts.readText("out"), "1\n2\n3\n");
   {
     const AppOutputStream copy(first); // leaves the stream to the first handle
     copy("4\n");
   }
   first("5\n");
-  EXPECT_EQ(texts.text("out"), "1\n2\n3\n4\n5\n");
+  EXPECT_EQ(texts.readText("out"), "1\n2\n3\n4\n5\n");
 
   unflushed.open(texts.name("kept"), false);
   unflushed("kept");
-  EXPECT_EQ(texts.text("kept"), "");
+  EXPECT_EQ(texts.readText("kept"), "");
   unflushed.close();
-  EXPECT_EQ(texts.text("kept"), "kept");
+  EXPECT_EQ(texts.readText("kept"), "kept");
 
   testing::internal::CaptureStdout();
   EXPECT_TRUE(first.open(IString("-"), false));
@@ -140,7 +131,7 @@ TEST(AppOutputStream, SharesFilesAndStandardOutput) {
 }
 
 TEST(AppOutputStream, TellsNumbersInWords) {
-  const Texts texts;
+  const qvTest::Scratch texts;
   AppOutputStream out(false);
   out.open(texts.name("out"), false);
   const struct {
@@ -159,7 +150,7 @@ TEST(AppOutputStream, TellsNumbersInWords) {
 }
 
 TEST(AppOutput, ErrorAndInfoGoToTheFirstTwoStreams) {
-  const Texts texts;
+  const qvTest::Scratch texts;
   AppOutput& output = AppOutput::getInstance();
   output.info("swallowed");
   for (int i = 0; i < AppOutput::streamCount; ++i)
@@ -176,9 +167,9 @@ TEST(AppOutput, ErrorAndInfoGoToTheFirstTwoStreams) {
     output.info(0, "in\n");
   }
   output.error("out\n");
-  EXPECT_EQ(texts.text("0"), "e 1\nwide\n        in\nout\n");
-  EXPECT_EQ(texts.text("1"), "e 1\nin\nout\n");
-  EXPECT_EQ(texts.text("2") + texts.text("3"), "");
+  EXPECT_EQ(texts.readText("0"), "e 1\nwide\n        in\nout\n");
+  EXPECT_EQ(texts.readText("1"), "e 1\nin\nout\n");
+  EXPECT_EQ(texts.readText("2") + texts.readText("3"), "");
   for (int i = 0; i < AppOutput::streamCount; ++i) {
     EXPECT_EQ(output.getStream(i).getLevel(), i == 1 ? 0 : 1);
     output.getStream(i).close();

@@ -46,7 +46,6 @@ public:
     qvOS::AppOutput::getInstance().getStream(stream).close();
     std::string text = directory.readText("stream" + std::to_string(stream));
     openStream(stream);
-    std::erase(text, '\r'); // streams have the line ends of the system
     return text;
   }
   /// The path of a file in the scene, as the library tells it.

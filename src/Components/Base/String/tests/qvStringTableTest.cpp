@@ -29,7 +29,6 @@ using qvStringTable::Manager;
 using qvStringTable::StringTable;
 using qvUtil::Error;
 using Keys = qv::vector<Key>;
-using namespace std::string_literals;
 
 IString utf8(const std::string& text) { return IString(text.c_str(), qvString::UTF8Encoding); }
 
