@@ -92,8 +92,7 @@ struct WorkerQueue {
   Semaphore completionSemaphore;
   Condition condition; // there is something to do, or `stop`
   bool expectCompletion = false;
-  std::int32_t outstanding =
-      0; // nodes with the workers, in `done` or between; the dispatcher alone changes it
+  std::int32_t outstanding = 0; // nodes handed over and not yet collected; the dispatcher alone changes it
   TaskList todo;
   TaskList done;
   std::atomic<bool> stop{false};
@@ -120,7 +119,6 @@ public:
 
 private:
   friend struct QueueProbe;
-  struct Layout;
 
   // On the workers.
   static void workerFunc(void* context, int index, int numThreads);
@@ -144,7 +142,7 @@ private:
   void finish(TaskNode* node);
 
   bool inUse_ = false;
-  bool unused_ = true;
+  [[maybe_unused]] bool unused_ = true;
   bool cancellable_ = true;
   bool isCancelled_ = false;
   std::int32_t numThreads_;
