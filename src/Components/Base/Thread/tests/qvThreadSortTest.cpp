@@ -66,13 +66,14 @@ void expectSorted(std::vector<int> values) {
                [](const IntRange2d& a, const IntRange2d& b) { return a.yMax < b.yMax; });
   std::sort(values.begin(), values.end());
   std::vector<bool> seen(values.size());
+  int wrong = 0; // one check at the end: there are millions
   for (std::size_t i = 0; i < values.size(); ++i) {
-    const auto index = static_cast<std::size_t>(ordering[static_cast<std::ptrdiff_t>(i)]);
-    ASSERT_LT(index, ranges.size());
-    ASSERT_FALSE(seen[index]);
-    seen[index] = true;
-    ASSERT_EQ(ranges[index].yMax, values[i]) << "at " << i << " of " << values.size();
+    const auto index = static_cast<std::size_t>(ordering.get()[i]);
+    const bool right = index < seen.size() && !seen[index] && ranges[index].yMax == values[i];
+    wrong += !right;
+    if (right) seen[index] = true;
   }
+  EXPECT_EQ(wrong, 0) << "of " << values.size();
 }
 
 TEST(ThreadSort, SortsAsTheStandardSortDoes) {
