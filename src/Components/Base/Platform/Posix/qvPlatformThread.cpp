@@ -182,8 +182,8 @@ std::string startThreadErrorText(int number) { return systemErrorText(number); }
 int joinThread(ThreadHandle thread) noexcept {
   int error = beforeCall("joinThread");
   if (!error && pthread_equal(nativeThread(thread), pthread_self())) error = EDEADLK;
-  if (!error) return pthread_join(nativeThread(thread), nullptr);
-  detachThread(thread);
+  if (!error) error = pthread_join(nativeThread(thread), nullptr);
+  if (error) detachThread(thread);
   return error;
 }
 
