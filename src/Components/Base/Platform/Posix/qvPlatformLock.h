@@ -30,7 +30,7 @@ public:
   void unlock() noexcept {
     if (owner_.load(std::memory_order_relaxed) != currentThread() || --depth_ > 0) return;
     owner_.store(nobody, std::memory_order_relaxed);
-    if (word_.exchange(free) == contended) [[unlikely]]
+    if (word_.exchange(free, std::memory_order_release) == contended) [[unlikely]]
       wakeOne();
   }
 
