@@ -47,13 +47,12 @@ int exponentAt(std::string_view text) {
   return exponent;
 }
 
-/// Whether a number that is out of a double's range is too large, and not too small.
-bool isLarge(std::string_view text, std::string_view digitSet, int bitsOfDigit) {
+/// Whether `text`, the whole of a number that is out of a double's range, is too large, and not too small.
+bool isLarge(std::string_view text, std::string_view digitSet, int exponentOfDigit) {
   std::int64_t places = 0; // of the first digit that is not 0, from the point to the left
   bool found = false, behindPoint = false;
   for (; !text.empty() && (isOneOf(digitSet, text.front()) || text.front() == '.'); text.remove_prefix(1)) {
     if (text.front() == '.') {
-      if (behindPoint) break;
       behindPoint = true;
       continue;
     }
@@ -61,7 +60,7 @@ bool isLarge(std::string_view text, std::string_view digitSet, int bitsOfDigit) 
     if (found && !behindPoint) ++places;
     if (!found && behindPoint) --places;
   }
-  return places * bitsOfDigit + exponentAt(text) > 0;
+  return places * exponentOfDigit + exponentAt(text) > 0;
 }
 
 /// The number at the start of `text`, which has no sign, if there is one.
@@ -72,9 +71,10 @@ std::optional<double> magnitude(std::string_view text) {
   if (number.starts_with('-')) return {};                                                   // a second sign
   double value = 0;
   const auto format = hex ? std::chars_format::hex : std::chars_format::general;
-  const std::errc error = std::from_chars(number.data(), number.data() + number.size(), value, format).ec;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value, format);
   if (error == std::errc::invalid_argument) return {};
   if (error != std::errc::result_out_of_range) return value;
+  number = {number.data(), end}; // what stands behind it may look like its exponent
   const bool large = hex ? isLarge(number, hexDigits, 4) : isLarge(number, digits, 1);
   return large ? std::numeric_limits<double>::infinity() : 0;
 }

@@ -144,6 +144,11 @@ TEST(ioNumberText, readsWhatTheCLibraryReads) {
     EXPECT_TRUE(value == row.value || (std::isnan(value) && std::isnan(row.value)))
         << row.line << ' ' << value;
   }
+  // What stands behind a number is not its exponent.
+  const std::string zeros(400, '0');
+  EXPECT_EQ(ioNumberText::read<double>("." + zeros + "1 500"), 0);
+  EXPECT_EQ(ioNumberText::read<double>("1" + zeros + "-500"), infinity);
+  EXPECT_EQ(ioNumberText::read<double>("1" + zeros + "e+-500"), infinity);
   EXPECT_EQ(ioNumberText::read<float>("-1e39"), -std::numeric_limits<float>::infinity());
   EXPECT_EQ(ioNumberText::read<float>("1e-50"), 0);
   // Half way between two floats, but for what a double drops.
