@@ -70,6 +70,7 @@ public:
   /// Gets a text, null where none stands here. All contexts share the memory of the text.
   [[nodiscard]] const char* getCString();
 
+  /// For a writer's tests: lets the packet look large.
   void setCursor(int cursor) noexcept { cursor_ = cursor; }
 
 private:

@@ -36,6 +36,7 @@ public:
   void endSubPacketRead(ioReadContext& context) override;
 
   [[nodiscard]] int cursor() const noexcept { return cursor_; }
+  /// For a writer's tests: lets the packet look large.
   void setCursor(int cursor) noexcept { cursor_ = cursor; }
 
   /// Puts the bytes of `value` at the cursor.
