@@ -35,7 +35,6 @@ public:
   void startSubPacketRead(ioReadContext& context) override;
   void endSubPacketRead(ioReadContext& context) override;
 
-  [[nodiscard]] int cursor() const noexcept { return cursor_; }
   /// For a writer's tests: lets the packet look large.
   void setCursor(int cursor) noexcept { cursor_ = cursor; }
 
