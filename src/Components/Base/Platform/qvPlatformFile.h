@@ -139,8 +139,9 @@ enum AccessRight : int { accessExists = 0, accessExecute = 1, accessWrite = 2, a
 /// Deletes a file's name; a link itself and never what it leads to [unlink]. A directory is refused.
 [[nodiscard]] int deleteFile(const char* path) noexcept;
 /// Gives a file or directory a new name on the same file system. A target of that name is never replaced: it
-/// gives `exists`. A link is renamed itself. The same path twice changes nothing [rename]; where the file
-/// system has no such form of renaming [link] [unlink], or the name is first reserved [open] [mkdir].
+/// gives `exists`. A link is renamed itself [rename]; where the file system has no such form of renaming
+/// [stat] [link] [unlink], or the name is first reserved [open] [mkdir]. The same path twice changes nothing
+/// [stat].
 [[nodiscard]] int renameFile(const char* from, const char* to) noexcept;
 /// Makes `to` a link that leads where the link `from` says. An existing target gives `exists` [readlink]
 /// [symlink].

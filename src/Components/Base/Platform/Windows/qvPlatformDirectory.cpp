@@ -1,6 +1,7 @@
 // Directory walks, and the volumes that paths lie on.
 #include "Base/Platform/Windows/qvPlatformSystem.h"
 
+#include <cwchar>
 #include <memory>
 
 namespace qvPlatform {
@@ -36,6 +37,13 @@ std::wstring withSeparator(const wchar_t* path) {
   std::wstring result(path);
   if (!result.ends_with(L'\\')) result += L'\\';
   return result;
+}
+
+/// Where the volume of a path is mounted, with a separator at its end; empty where it failed.
+std::wstring volumeOf(const wchar_t* path) {
+  std::wstring root(std::wcslen(path) + MAX_PATH, L'\0');
+  const bool found = ::GetVolumePathNameW(path, root.data(), static_cast<DWORD>(root.size()));
+  return found ? root.c_str() : std::wstring();
 }
 
 } // namespace
@@ -93,8 +101,9 @@ int queryVolumeSpace(const char* path, VolumeSpace* space) noexcept {
   return pathCall("volume", path, [&](const wchar_t* system) {
     ULARGE_INTEGER available;
     ULARGE_INTEGER total;
-    // A network name wants the separator.
-    if (!::GetDiskFreeSpaceExW(withSeparator(system).c_str(), &available, &total, nullptr)) return false;
+    // The call takes directories only, and of a network name the separator.
+    const std::wstring place = isFile(system) ? volumeOf(system) : withSeparator(system);
+    if (place.empty() || !::GetDiskFreeSpaceExW(place.c_str(), &available, &total, nullptr)) return false;
     *space = {total.QuadPart, available.QuadPart};
     return true;
   });
@@ -102,9 +111,9 @@ int queryVolumeSpace(const char* path, VolumeSpace* space) noexcept {
 
 int queryRemote(const char* path, bool* remote) noexcept {
   return pathCall("volume", path, [&](const wchar_t* system) {
-    wchar_t root[MAX_PATH + 1];
-    if (!::GetVolumePathNameW(system, root, MAX_PATH + 1)) return false;
-    *remote = ::GetDriveTypeW(root) == DRIVE_REMOTE;
+    const std::wstring root = volumeOf(system);
+    if (root.empty()) return false;
+    *remote = ::GetDriveTypeW(root.c_str()) == DRIVE_REMOTE;
     return true;
   });
 }

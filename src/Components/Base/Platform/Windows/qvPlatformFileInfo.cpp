@@ -29,11 +29,7 @@ unsigned permissionsOf(DWORD attributes) {
 }
 
 FileKind kindOf(HANDLE handle, DWORD attributes) {
-  FILE_ATTRIBUTE_TAG_INFO tag{};
-  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
-      ::GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof tag) &&
-      isLink(attributes, tag.ReparseTag))
-    return FileKind::link;
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) && isLink(handle)) return FileKind::link;
   return attributes & FILE_ATTRIBUTE_DIRECTORY ? FileKind::directory : FileKind::file;
 }
 

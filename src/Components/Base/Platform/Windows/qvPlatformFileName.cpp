@@ -19,7 +19,13 @@ int pairCall(const char* name, const char* from, const char* to, Call call) {
 bool isDirectoryLink(const wchar_t* path) {
   const DWORD attributes = ::GetFileAttributesW(path);
   constexpr DWORD both = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & both) == both;
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & both) != both) return false;
+  // Directories that are kept elsewhere and fetched when needed have such a point too, and are no links.
+  constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  constexpr DWORD itself = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+  Handle handle;
+  handle.set(::CreateFileW(path, FILE_READ_ATTRIBUTES, share, nullptr, OPEN_EXISTING, itself, nullptr));
+  return handle.isOpen() && isLink(handle.get());
 }
 
 } // namespace

@@ -18,6 +18,12 @@ private:
   UINT before_;
 };
 
+/// The loader tells the library its name as it was given here: the plain one, where that is not too long.
+std::wstring loaderName(const wchar_t* file) {
+  const std::wstring plain = plainForm(file);
+  return plain.size() < MAX_PATH ? plain : file;
+}
+
 /// The system's words, some of which leave a place for the file that they are about.
 std::string failureText(int error, std::string_view file) {
   std::string text = nativeText(systemText(error));
@@ -31,7 +37,7 @@ void* loadLibrary(const char* path, std::string* failure) {
   const NoQuestions scope;
   HMODULE library = nullptr;
   const int error = pathCall("loadLibrary", path, [&](const wchar_t* file) {
-    library = ::LoadLibraryW(file);
+    library = ::LoadLibraryW(loaderName(file).c_str());
     return library != nullptr;
   });
   if (error) *failure = failureText(error, path);

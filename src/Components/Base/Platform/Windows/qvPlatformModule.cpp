@@ -24,8 +24,7 @@ void* libraryModule() noexcept { return recorded; }
 
 std::string libraryPath() {
   if (!recorded) return {};
-  return nativeText(
-      filledText([](wchar_t* buffer, DWORD room) { return ::GetModuleFileNameW(recorded, buffer, room); }));
+  return nativeText(moduleFile(recorded));
 }
 
 } // namespace qvPlatform

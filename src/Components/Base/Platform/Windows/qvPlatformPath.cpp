@@ -3,7 +3,6 @@
 #include "Base/Platform/Windows/qvPlatformSystem.h"
 
 #include <cstring>
-#include <string_view>
 
 namespace qvPlatform {
 
@@ -18,14 +17,6 @@ int textOf(const char* name, std::string* path, Call call) {
   return error;
 }
 
-/// A path without the mark of the extended form.
-std::wstring plainForm(const std::wstring& path) {
-  constexpr std::wstring_view network = L"\\\\?\\UNC\\";
-  constexpr std::wstring_view extended = L"\\\\?\\";
-  if (path.starts_with(network)) return L"\\\\" + path.substr(network.size());
-  return path.starts_with(extended) ? path.substr(extended.size()) : path;
-}
-
 } // namespace
 
 int workingDirectory(std::string* path) {
@@ -36,7 +27,7 @@ int workingDirectory(std::string* path) {
 int setWorkingDirectory(const char* path) noexcept {
   // The current directory itself is never in the extended form.
   return pathCall("chdir", path, [path](const wchar_t*) {
-    return ::SetCurrentDirectoryW(widePath(path, std::strlen(path)).c_str());
+    return ::SetCurrentDirectoryW(plainForm(widePath(path, std::strlen(path))).c_str());
   });
 }
 
@@ -47,8 +38,10 @@ std::string temporaryDirectory() {
 }
 
 int executablePath(std::string* path) {
-  return textOf("executable", path,
-                [](wchar_t* buffer, DWORD room) { return ::GetModuleFileNameW(nullptr, buffer, room); });
+  std::wstring file;
+  const int error = systemCall("executable", [&] { return !(file = moduleFile(nullptr)).empty(); });
+  if (!error) *path = nativeText(file);
+  return error;
 }
 
 int absolutePath(const char* path, std::string* absolute) {

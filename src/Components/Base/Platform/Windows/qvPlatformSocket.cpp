@@ -82,14 +82,14 @@ int setOption(SocketHandle socket, int level, int option, const T& value) noexce
 int lengthOf(std::size_t size) noexcept { return static_cast<int>(std::min<std::size_t>(size, INT_MAX)); }
 
 // Only waits where the set is empty, since `select` refuses that.
-int selectWithin(fd_set* set, std::chrono::microseconds limit, bool limited) noexcept {
+int selectWithin(fd_set* set, std::chrono::microseconds limit) noexcept {
   if (set->fd_count == 0) {
     ::Sleep(static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(limit).count()));
     return 0;
   }
   const auto microseconds = limit.count();
   timeval time = {static_cast<long>(microseconds / 1'000'000), static_cast<long>(microseconds % 1'000'000)};
-  return ::select(0, set, nullptr, nullptr, limited ? &time : nullptr);
+  return ::select(0, set, nullptr, nullptr, &time);
 }
 
 // Leaves those sockets in the set that are ready. Never ends before its time.
@@ -102,9 +102,10 @@ int selectUntil(fd_set* set, std::int64_t limit) noexcept {
   const fd_set wanted = *set;
   for (int ready = 0;;) {
     *set = wanted;
-    const auto left = std::clamp(std::chrono::ceil<microseconds>(end - steady_clock::now()), none, most);
+    const auto left =
+        limited ? std::clamp(std::chrono::ceil<microseconds>(end - steady_clock::now()), none, most) : most;
     if (const int error = retryCall(
-            "poll", [&] { return selectWithin(set, left, limited); }, ready))
+            "poll", [&] { return selectWithin(set, left); }, ready))
       return error;
     if (ready > 0 || (limited && steady_clock::now() >= end)) return 0;
   }
@@ -181,7 +182,7 @@ int shutdownSocket(SocketHandle socket, SocketSide side) noexcept {
 int setLinger(SocketHandle socket, int seconds) noexcept {
   linger value{};
   value.l_onoff = 1;
-  value.l_linger = static_cast<u_short>(seconds);
+  value.l_linger = static_cast<u_short>(std::clamp(seconds, 0, USHRT_MAX));
   return setOption(socket, SOL_SOCKET, SO_LINGER, value);
 }
 

@@ -52,6 +52,24 @@ bool isLink(DWORD attributes, DWORD tag) noexcept {
   return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) && IsReparseTagNameSurrogate(tag);
 }
 
+bool isLink(HANDLE handle) noexcept {
+  FILE_ATTRIBUTE_TAG_INFO tag{};
+  return ::GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof tag) &&
+         isLink(tag.FileAttributes, tag.ReparseTag);
+}
+
+std::wstring plainForm(const std::wstring& path) {
+  constexpr std::wstring_view network = L"\\\\?\\UNC\\";
+  constexpr std::wstring_view extended = L"\\\\?\\";
+  if (startsWith(path, network)) return L"\\\\" + path.substr(network.size());
+  return startsWith(path, extended) ? path.substr(extended.size()) : path;
+}
+
+std::wstring moduleFile(HMODULE module) {
+  return plainForm(
+      filledText([&](wchar_t* buffer, DWORD room) { return ::GetModuleFileNameW(module, buffer, room); }));
+}
+
 std::string nativeText(const std::wstring& text) { return nativePath(text.data(), text.size()); }
 
 } // namespace qvPlatform

@@ -88,6 +88,15 @@ private:
 /// True where a file with these attributes and this reparse tag is a link: a symbolic link or a directory
 /// that stands for another place.
 [[nodiscard]] bool isLink(DWORD attributes, DWORD tag) noexcept;
+/// The same of what was opened as itself, with FILE_FLAG_OPEN_REPARSE_POINT.
+[[nodiscard]] bool isLink(HANDLE handle) noexcept;
+
+/// A path of the system without the mark of the extended form.
+[[nodiscard]] std::wstring plainForm(const std::wstring& path);
+
+/// The file of a module, of this program for null, in the plain form, whatever form it was loaded under;
+/// empty where it failed.
+[[nodiscard]] std::wstring moduleFile(HMODULE module);
 
 /// The system's words for `number`, without a line end; empty where it has none.
 [[nodiscard]] std::wstring systemText(int number);
