@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Fails where an include breaks the order of the levels, or where a system header stands outside Platform/.
+"""Fails where an include breaks the order of the levels, where a system header stands outside Platform/, or where any
+source of the project asks which platform it is on: only Platform/ and qvBase.h may.
 
 A line that must break a rule says why in a comment that begins with "layer waiver:"."""
 import pathlib
@@ -22,9 +23,12 @@ NEIGHBOURS = {("Utility", "String"), ("Utility", "Containers"), ("String", "Cont
 SYSTEM = re.compile(r"^(unistd|fcntl|poll|pthread|dirent|dlfcn|netdb|pwd|grp|spawn|termios|windows|winsock2|ws2tcpip|io|"
                     r"direct|process|link|sched|semaphore|signal)\.h$|^(sys|arpa|netinet|linux|net)/")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
-PLATFORM_TEST = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif).*\b(_WIN32|__linux__|__unix__|_MSC_VER)\b")
+PLATFORM_TEST = re.compile(r"^\s*#\s*(if|elif).*\b(_WIN32|_WIN64|WIN32|__CYGWIN__|__MINGW32__|__MINGW64__|_MSC_VER|"
+                           r"__linux|__linux__|__gnu_linux__|__unix|__unix__|__APPLE__|__FreeBSD__)\b")
+SOURCES = ("bench", "examples", "fuzz", "src", "testing", "tests", "tools")
 
-root = pathlib.Path(__file__).resolve().parent.parent / "src/Components/Base"
+tree = pathlib.Path(__file__).resolve().parent.parent
+root = tree / "src/Components/Base"
 problems = []
 
 
@@ -75,8 +79,13 @@ for path in sorted(root.glob("*/**/*.*")):
         found = INCLUDE.match(line)
         if found:
             check_include(path, number, folder, is_test, found.group(1), found.group(2))
-        if folder != "Platform" and not is_test and PLATFORM_TEST.match(line):
-            problems.append(f"{path.relative_to(root)}:{number}: a platform is tested for outside Platform/")
+
+for path in sorted(path for folder in SOURCES for path in (tree / folder).rglob("*.*")):
+    if path.suffix not in (".h", ".cpp", ".c") or root / "Platform" in path.parents or path == root / "qvBase.h":
+        continue
+    for number, line in enumerate(path.read_text().splitlines(), 1):
+        if PLATFORM_TEST.match(line):
+            problems.append(f"{path.relative_to(tree)}:{number}: a platform is tested for outside Platform/")
 
 print("\n".join(problems))
 sys.exit(1 if problems else 0)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <arpa/inet.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -14,7 +15,9 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <string>
 
@@ -54,6 +57,13 @@ inline double processorSeconds() {
 inline void openPipe(int* ends) { (void)::pipe2(ends, O_NONBLOCK | O_CLOEXEC); }
 
 // ---- Libraries ----
+
+inline void* loadLibrary(const std::filesystem::path& file) {
+  void* const library = ::dlopen(file.c_str(), RTLD_NOW);
+  if (!library) std::cerr << ::dlerror() << '\n';
+  return library;
+}
+inline void* symbolOf(void* library, const char* name) { return ::dlsym(library, name); }
 
 inline bool isMapped(const std::string& fileName) {
   std::ifstream maps("/proc/self/maps");

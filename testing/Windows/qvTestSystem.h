@@ -8,6 +8,8 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <iostream>
 #include <string>
 
 namespace qvTest::system {
@@ -40,6 +42,15 @@ inline double processorSeconds() {
 inline void openPipe(int* ends) { (void)::_pipe(ends, 65536, _O_BINARY | _O_NOINHERIT); }
 
 // ---- Libraries ----
+
+inline void* loadLibrary(const std::filesystem::path& file) {
+  HMODULE const library = ::LoadLibraryW(file.c_str());
+  if (!library) std::cerr << "error " << ::GetLastError() << '\n';
+  return library;
+}
+inline void* symbolOf(void* library, const char* name) {
+  return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
+}
 
 inline bool isMapped(const std::string& fileName) {
   wchar_t name[MAX_PATH] = {};

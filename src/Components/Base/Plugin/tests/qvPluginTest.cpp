@@ -66,13 +66,6 @@ TEST(Plugin, RegistrationTellsWhatIsBrokenAndGoesOn) {
   scene.add("noSymbols", "serviceDecl_");
   scene.add("noSymbols", "ServiceDecl_x");
   scene.directory.write("serviceDecl_shapes.pdb", "debug symbols");
-  int services = 2;
-#if !defined(_WIN32)
-  scene.directory.write("serviceDecl_shapes.so.debug", "debug symbols");
-  // This is not, though its name is no text.
-  std::filesystem::copy(FIXTURES "/serviceDecl_shapes.so", scene.directory.path("serviceDecl_\xff.so"));
-  services += 2;
-#endif
   std::filesystem::create_directory(scene.directory.path(PluginScene::file("serviceDecl_directory")));
   scene.registerServices();
 
@@ -95,13 +88,13 @@ TEST(Plugin, RegistrationTellsWhatIsBrokenAndGoesOn) {
   EXPECT_TRUE(contains(scene.told(2), "install nothing;no services goes;"));
   EXPECT_FALSE(PluginScene::isMapped("serviceDecl_none"));
   EXPECT_FALSE(PluginScene::isMapped("serviceDecl_bare"));
-  EXPECT_EQ(ServiceManager::getInstance()->getNumServices("shape"), services);
+  EXPECT_EQ(ServiceManager::getInstance()->getNumServices("shape"), 2);
   EXPECT_TRUE(shape("circle of serviceDecl_good \xc3\xbc ok"));
 
   scene.add("serviceDecl_shapes", "serviceDecl_late");
   ServiceManager::getInstance()->registerServices(nullptr);
   scene.registerServices();
-  EXPECT_EQ(ServiceManager::getInstance()->getNumServices("shape"), services) << "registration happens once";
+  EXPECT_EQ(ServiceManager::getInstance()->getNumServices("shape"), 2) << "registration happens once";
 }
 
 TEST(Plugin, ProxyTriesItsMainPluginOnce) {

@@ -1,15 +1,12 @@
 // A program that is not linked with the library: it copies the library to an odd place, loads it from there,
 // and asks it, by way of the asker module, where it lies. usage: host LIBRARY ASKER PLACE
+#include "testing/qvTestLibrary.h"
+
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <random>
 #include <string>
-
-#if defined(_WIN32)
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
 
 namespace fs = std::filesystem;
 
@@ -17,38 +14,20 @@ namespace {
 
 using Ask = const char* (*)();
 
-#if defined(_WIN32)
-HMODULE load(const fs::path& path) { return LoadLibraryW(path.c_str()); }
-Ask askerIn(HMODULE module) {
-  return reinterpret_cast<Ask>(reinterpret_cast<void*>(GetProcAddress(module, "libraryPlace")));
-}
-#else
-void* load(const fs::path& path) {
-  void* const module = dlopen(path.c_str(), RTLD_NOW);
-  if (!module) std::cerr << dlerror() << '\n';
-  return module;
-}
-Ask askerIn(void* module) { return reinterpret_cast<Ask>(dlsym(module, "libraryPlace")); }
-#endif
-
-/// The library's name for a path, in UTF-8.
-std::u8string nameOf(fs::path path) {
-  std::u8string name = path.make_preferred().u8string();
-#if !defined(_WIN32)
-  for (char8_t& c : name)
-    if (c == u8'/') c = u8'\\';
-  name.insert(0, u8"C:");
-#endif
-  return name;
+/// The library's name for a path, in UTF-8. Where there are no drives, it begins with one all the same.
+std::u8string nameOf(const fs::path& path) {
+  std::u8string name = path.u8string();
+  std::replace(name.begin(), name.end(), u8'/', u8'\\');
+  return path.has_root_name() ? name : u8"C:" + name;
 }
 
 /// Loads `library` and then the asker, which finds it loaded, from a current directory that is left between
 /// loading and asking.
 bool liesIn(const fs::path& directory, const fs::path& library, const fs::path& asker) {
-  if (!load(library)) return false;
+  if (!qvTest::loadLibrary(library)) return false;
   fs::current_path(fs::temp_directory_path());
-  const auto module = load(asker);
-  const Ask ask = module ? askerIn(module) : nullptr;
+  void* const module = qvTest::loadLibrary(asker);
+  const auto ask = module ? reinterpret_cast<Ask>(qvTest::symbolOf(module, "libraryPlace")) : nullptr;
   if (!ask) return false;
   const std::string told = ask();
   const std::u8string wanted = nameOf(directory);
