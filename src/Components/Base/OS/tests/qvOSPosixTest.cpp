@@ -6,6 +6,7 @@
 #include "Base/OS/qvOSFileStatus.h"
 #include "Base/OS/qvOSFilesystem.h"
 #include "Base/OS/qvOSTemporary.h"
+#include "Base/OS/tests/qvOSTestNames.h"
 #include "Base/OS/tests/qvOSTestSave.h"
 #include "testing/qvTestChild.h"
 #include "testing/qvTestPlatform.h"
@@ -30,39 +31,13 @@ using qvTest::wide;
 using qvUtil::Error;
 
 TEST(OSPosix, reachesNamesOfAnyBytes) {
-  const qvTest::Directory directory;
   std::set<std::string> names = {
       "with blank", "C:",       "C:drive", "a\\..\\b",     "\\\\srv\\share", "D:\\x",
       "\\",         "...",      "con",     "trailing.",    "trailing ",      "new\nline",
       "file:x",     "\xC3\xA4", "\xFF",    "\xED\xB2\x80", "a\xC3",          std::string(255, 'n')};
   for (int c = 1; c < 256; ++c)
     if (c != '/') names.insert("b" + std::string(1, static_cast<char>(c)) + ":");
-  for (const std::string& name : names) directory.write(name, name);
-
-  const Filename scratch(wide(directory.path()));
-  std::set<std::string> seen, listed;
-  for (DirectoryIterator it(scratch); it.next();) {
-    const std::string name = native(it.name());
-    seen.insert(name);
-    EXPECT_EQ(native(it.path().name()), directory.path(name));
-    EXPECT_EQ(it.path().basename(), it.name());
-    EXPECT_EQ(directory.read(native(Filename(it.path().name(), '/').basename())), name);
-    qvOS::File file(it.path().name());
-    std::string text(name.size(), ' ');
-    EXPECT_FALSE(file.open(qvOS::FileTransport::openRead));
-    EXPECT_FALSE(file.read(text.data(), text.size(), nullptr) || file.close());
-    EXPECT_EQ(text, name);
-  }
-  EXPECT_EQ(seen, names);
-  qv::vector<IString> entries;
-  EXPECT_FALSE(qvOS::File(scratch.name()).readDir(entries, true));
-  for (const IString& entry : entries) {
-    listed.insert(native(entry).substr(directory.path().size() + 1));
-    static_cast<void>(qvOS::File(entry).deleteSelf(qvOS::FileTransport::deleteEntryOnly));
-  }
-  names.insert({".", ".."});
-  EXPECT_EQ(listed, names);
-  EXPECT_EQ(directory.entries(), 0);
+  qvTest::expectReaches(names);
 }
 
 TEST(OSPosix, walksTellLinks) {
