@@ -65,7 +65,7 @@ TEST_F(UndoReport, TellsEveryStep) {
     manager->deleteLastGroup();
     const Step loose(nullptr, "loose");
   }
-  EXPECT_EQ(report(), 1 + R"(
+  EXPECT_EQ("\n" + report(), R"(
 
 ------------------------------
 
