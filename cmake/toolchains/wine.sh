@@ -19,7 +19,8 @@ quietly() { timeout 120 $as_user "$@" </dev/null >/dev/null 2>&1; }
 case $1 in
   --start)
     mkdir -p "$WINEPREFIX"
-    quietly wineserver64 -p || [ $? = 2 ] # 2: one is running
+    quietly wineserver64 -k || true # one that runs already may not stay
+    quietly wineserver64 -p
     [ -e "$WINEPREFIX/system.reg" ] || quietly wine64 wineboot -i
     ;;
   --stop) quietly wineserver64 -k || true ;;
