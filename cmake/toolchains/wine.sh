@@ -21,7 +21,8 @@ case $1 in
     mkdir -p "$WINEPREFIX"
     quietly wineserver64 -k || true # one that runs already may not stay
     quietly wineserver64 -p
-    [ -e "$WINEPREFIX/system.reg" ] || quietly wine64 wineboot -i
+    # The first program starts others that stay: it must not be one whose output somebody reads.
+    if [ -e "$WINEPREFIX/system.reg" ]; then quietly wine64 cmd /c exit; else quietly wine64 wineboot -i; fi
     ;;
   --stop) quietly wineserver64 -k || true ;;
   *)
