@@ -1,20 +1,18 @@
 #!/usr/bin/env python3
 """Compares catalogs with the catalog tool. usage: catalogTool.py QVCATALOG [EMULATOR WORD...]"""
 import atexit, os, shutil, subprocess, sys, tempfile
+from toolCheck import check, finish
 
 TOOL = sys.argv[2:] + [os.path.abspath(sys.argv[1])]
-failures = 0
 
 
 def expect(status, out, err, *words, stdout=subprocess.PIPE):
     """Runs the tool and compares its status, its lines of output, and a piece of what it reports."""
-    global failures
     done = subprocess.run([*TOOL, *words], stdout=stdout, stderr=subprocess.PIPE, timeout=60)
     lines = (done.stdout or b"").decode().splitlines()
     reported = done.stderr.decode(errors="replace").replace("\r", "")
-    if done.returncode != status or (out is not None and lines != out) or err not in reported or (not err and reported):
-        failures += 1
-        print("FAILED, line %d: %d, %r, %r" % (sys._getframe(1).f_lineno, done.returncode, lines, reported))
+    good = done.returncode == status and out in (None, lines) and err in reported and (err or not reported)
+    check(good, "%d, %r, %r" % (done.returncode, lines, reported), depth=2)
 
 
 def write(name, *lines):
@@ -50,4 +48,4 @@ if os.path.exists("/dev/full"):
     with open("/dev/full", "wb") as full:
         expect(1, None, "standard output: ", "check", "en", "keys", stdout=full)
 os.chdir("/")
-sys.exit(failures != 0)
+finish()

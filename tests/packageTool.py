@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Uses the package tool as ordinary and as hostile users do. usage: packageTool.py QVPACKAGE"""
 import atexit, contextlib, json, os, pty, random, resource, shutil, signal, stat, subprocess, sys, tempfile, time
+from toolCheck import check, finish
 
 def reachable(tool):
     """Copies the tool and its library to where every user may run them, wherever the build lies."""
@@ -14,14 +15,6 @@ def reachable(tool):
 
 
 TOOL = reachable(os.path.abspath(sys.argv[1]))
-failures = 0
-
-
-def check(condition, what):
-    global failures
-    if not condition:
-        failures += 1
-        print("FAILED, line %d: %s" % (sys._getframe(1).f_lineno, what))
 
 
 def run(*words, user=None, limit=None, umask=None, closed=False, **options):
@@ -45,10 +38,8 @@ def run(*words, user=None, limit=None, umask=None, closed=False, **options):
 def expect(status, text, *words, **options):
     """Runs the tool and compares the status, and `text` with standard error. No failure is silent."""
     got, out, err = run(*words, **options)
-    global failures
-    if got != status or (text not in err) or (status != 0 and not err) or (status == 0 and err):
-        failures += 1
-        print("FAILED, line %d: %s gave %d and %r" % (sys._getframe(1).f_lineno, words, got, err[:500]))
+    good = got == status and text in err and bool(err) == (status != 0)
+    check(good, "%s gave %d and %r" % (words, got, err[:500]), depth=2)
     return out
 
 
@@ -377,4 +368,4 @@ for group in (usage, round_trip, refused_sources, changes, damage, hostile_names
     with scratch():
         group()
     print("%s: %.1f s" % (group.__name__, time.monotonic() - begin))
-sys.exit(failures != 0)
+finish()

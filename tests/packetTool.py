@@ -1,18 +1,11 @@
 #!/usr/bin/env python3
 """Looks into packet files with the packet tool. usage: packetTool.py GOLDEN QVPACKET [EMULATOR WORD...]"""
 import atexit, json, os, random, shutil, struct, subprocess, sys, tempfile
+from toolCheck import check, finish
 
 GOLDEN = os.path.abspath(sys.argv[1])
 TOOL = sys.argv[3:] + [os.path.abspath(sys.argv[2])]
 SLOW = len(TOOL) > 1  # an emulator starts slowly
-failures = 0
-
-
-def check(condition, what):
-    global failures
-    if not condition:
-        failures += 1
-        print("FAILED, line %d: %s" % (sys._getframe(1).f_lineno, what))
 
 
 def run(*words):
@@ -25,7 +18,7 @@ def expect(status, err, *words):
     got, out, reported = run(*words)
     one_line = len(reported.splitlines()) == (status == 1) or status == 2
     if got != status or err not in reported or not one_line:
-        check(False, "line %d: %d, %r" % (sys._getframe(1).f_lineno, got, reported))
+        check(False, "%d, %r" % (got, reported), depth=2)
     return out
 
 
@@ -235,4 +228,4 @@ os.chdir(scratch)
 for group in golden_files, entries, shapes, damage, broken, usage:
     group()
 os.chdir("/")
-sys.exit(failures != 0)
+finish()

@@ -1,4 +1,4 @@
-#include "Base/Platform/qvPlatformError.h"
+#include "Base/Platform/qvPlatformErrorRows.h"
 
 #include <errno.h>
 #include <string.h>
@@ -7,11 +7,7 @@ namespace qvPlatform {
 
 namespace {
 
-// The first row of a kind gives its own number.
-constexpr struct {
-  ErrorKind kind;
-  int number;
-} kinds[] = {
+constexpr ErrorRow rows[] = {
     {ErrorKind::none, 0},
     {ErrorKind::notFound, ENOENT},
     {ErrorKind::notDirectory, ENOTDIR},
@@ -39,19 +35,7 @@ constexpr struct {
 
 } // namespace
 
-ErrorKind errorKind(int number) noexcept {
-  for (const auto& row : kinds)
-    if (row.number == number) return row.kind;
-  return ErrorKind::other;
-}
-
-int errorNumber(ErrorKind kind) noexcept {
-  for (const auto& row : kinds)
-    if (row.kind == kind) return row.number;
-  return EPROTO;
-}
-
-bool isNotFound(int number) noexcept { return number == ENOENT || number == ENOTDIR; }
+std::span<const ErrorRow> errorRows() noexcept { return rows; }
 
 int lastError() noexcept { return errno; }
 

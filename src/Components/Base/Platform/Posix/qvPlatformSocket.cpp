@@ -35,24 +35,6 @@ bool canOpen(int family) noexcept {
   return true;
 }
 
-// What a look-up's result means, and its text.
-std::string lookupText(int result, int systemNumber) {
-  return result == EAI_SYSTEM ? systemErrorText(systemNumber) : gai_strerror(result);
-}
-
-// `errorText` receives the text of a failure.
-int findAddresses(const char* host, const char* service, const addrinfo& hints, addrinfo** list,
-                  std::string* errorText) {
-  int result = EAI_SYSTEM;
-  int number = beforeCall("getaddrinfo");
-  if (!number) {
-    result = ::getaddrinfo(host, service, &hints, list);
-    number = errno;
-  }
-  if (result && errorText) *errorText = lookupText(result, number);
-  return result;
-}
-
 // A connect that a signal interrupted goes on by itself; its outcome is told when the socket becomes
 // writable.
 int finishConnect(int socket) noexcept {
@@ -112,39 +94,6 @@ unsigned availableFamilies() noexcept {
 bool isUnreachable(int number) noexcept { return number == ENETUNREACH || number == ECONNREFUSED; }
 
 bool isDottedNumber(const char* text) noexcept { return ::inet_addr(text) != INADDR_NONE; }
-
-Lookup lookUpHost(const char* host, HostForm form, std::string* text) {
-  addrinfo hints{};
-  hints.ai_family = AF_INET;
-  hints.ai_socktype = SOCK_STREAM;
-  addrinfo* list = nullptr;
-  int result = findAddresses(host, nullptr, hints, &list, text);
-  const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(list, freeAddressList);
-  const int flags = form == HostForm::name ? NI_NAMEREQD : NI_NUMERICHOST;
-  for (const addrinfo* entry = list; entry; entry = entry->ai_next) {
-    char buffer[NI_MAXHOST];
-    result = ::getnameinfo(entry->ai_addr, entry->ai_addrlen, buffer, sizeof buffer, nullptr, 0, flags);
-    *text = result ? lookupText(result, errno) : buffer;
-    if (!result && buffer[0]) return Lookup::found;
-  }
-  return result == EAI_NONAME ? Lookup::unknownHost : Lookup::failed;
-}
-
-addrinfo* addressList(const char* host, int port, bool passive, std::string* error) {
-  addrinfo hints{};
-  hints.ai_family = AF_UNSPEC;
-  hints.ai_socktype = SOCK_STREAM;
-  hints.ai_flags = passive ? AI_PASSIVE : 0;
-  addrinfo* list = nullptr;
-  const std::string service = std::to_string(port);
-  return findAddresses(host, service.c_str(), hints, &list, error) ? nullptr : list;
-}
-
-void freeAddressList(addrinfo* list) noexcept {
-  if (list) ::freeaddrinfo(list);
-}
-
-const addrinfo* nextAddress(const addrinfo* entry) noexcept { return entry->ai_next; }
 
 int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
   const auto open = [&] {

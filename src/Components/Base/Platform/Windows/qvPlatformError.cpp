@@ -1,6 +1,7 @@
 // The number space is that of `GetLastError`, which includes the numbers of sockets. What only the C runtime
 // reports, in `errno`, becomes the number of the same event (see qvPlatformRuntime.cpp).
 #include "Base/Platform/Windows/qvPlatformSystem.h"
+#include "Base/Platform/qvPlatformErrorRows.h"
 
 #include <locale.h>
 #include <winsock2.h>
@@ -13,11 +14,7 @@ namespace {
 constexpr int directoryNotSupported = 336;
 constexpr int diskQuotaExceeded = 1295;
 
-// The first row of a kind gives its own number.
-constexpr struct {
-  ErrorKind kind;
-  int number;
-} kinds[] = {
+constexpr ErrorRow rows[] = {
     {ErrorKind::none, 0},
     {ErrorKind::notFound, ERROR_FILE_NOT_FOUND},
     {ErrorKind::notFound, ERROR_PATH_NOT_FOUND},
@@ -71,21 +68,7 @@ std::string inDefaultEncoding(const std::wstring& text) {
 
 } // namespace
 
-ErrorKind errorKind(int number) noexcept {
-  for (const auto& row : kinds)
-    if (row.number == number) return row.kind;
-  return ErrorKind::other;
-}
-
-int errorNumber(ErrorKind kind) noexcept {
-  for (const auto& row : kinds)
-    if (row.kind == kind) return row.number;
-  return ERROR_NOT_SUPPORTED;
-}
-
-bool isNotFound(int number) noexcept {
-  return errorKind(number) == ErrorKind::notFound || errorKind(number) == ErrorKind::notDirectory;
-}
+std::span<const ErrorRow> errorRows() noexcept { return rows; }
 
 int lastError() noexcept { return static_cast<int>(::GetLastError()); }
 

@@ -62,15 +62,6 @@ bool canOpen(int family) noexcept {
   return true;
 }
 
-// `errorText` receives the text of a failure.
-int findAddresses(const char* host, const char* service, const addrinfo& hints, addrinfo** list,
-                  std::string* errorText) {
-  int number = beforeCall("getaddrinfo");
-  if (!number) number = ::getaddrinfo(host, service, &hints, list);
-  if (number && errorText) *errorText = systemErrorText(number);
-  return number;
-}
-
 template <class T>
 int setOption(SocketHandle socket, int level, int option, const T& value) noexcept {
   const auto* const bytes = reinterpret_cast<const char*>(&value);
@@ -124,40 +115,6 @@ bool isUnreachable(int number) noexcept { return number == WSAENETUNREACH || num
 bool isDottedNumber(const char* text) noexcept {
   return *text >= '0' && *text <= '9' && ::inet_addr(text) != INADDR_NONE;
 }
-
-Lookup lookUpHost(const char* host, HostForm form, std::string* text) {
-  addrinfo hints{};
-  hints.ai_family = AF_INET;
-  hints.ai_socktype = SOCK_STREAM;
-  addrinfo* list = nullptr;
-  int result = findAddresses(host, nullptr, hints, &list, text);
-  const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(list, freeAddressList);
-  const int flags = form == HostForm::name ? NI_NAMEREQD : NI_NUMERICHOST;
-  for (const addrinfo* entry = list; entry; entry = entry->ai_next) {
-    char buffer[NI_MAXHOST];
-    result = ::getnameinfo(entry->ai_addr, static_cast<socklen_t>(entry->ai_addrlen), buffer, sizeof buffer,
-                           nullptr, 0, flags);
-    *text = result ? systemErrorText(result) : buffer;
-    if (!result && buffer[0]) return Lookup::found;
-  }
-  return result == WSAHOST_NOT_FOUND ? Lookup::unknownHost : Lookup::failed;
-}
-
-addrinfo* addressList(const char* host, int port, bool passive, std::string* error) {
-  addrinfo hints{};
-  hints.ai_family = AF_UNSPEC;
-  hints.ai_socktype = SOCK_STREAM;
-  hints.ai_flags = passive ? AI_PASSIVE : 0;
-  addrinfo* list = nullptr;
-  const std::string service = std::to_string(port);
-  return findAddresses(host, service.c_str(), hints, &list, error) ? nullptr : list;
-}
-
-void freeAddressList(addrinfo* list) noexcept {
-  if (list) ::freeaddrinfo(list);
-}
-
-const addrinfo* nextAddress(const addrinfo* entry) noexcept { return entry->ai_next; }
 
 int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
   return openStream(entry->ai_family, entry->ai_socktype, entry->ai_protocol, socket);

@@ -3,6 +3,7 @@
 #include "Base/Platform/qvPlatformError.h"
 #include "Base/Platform/qvPlatformFile.h"
 #include "Base/Platform/qvPlatformPath.h"
+#include "Base/Platform/tests/qvPlatformTestRename.h"
 #include "testing/qvTestDirectory.h"
 #include "testing/qvTestPlatform.h"
 #include "testing/qvTestSeed.h"
@@ -11,6 +12,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 
 using namespace qvPlatform;
 
@@ -30,12 +32,7 @@ FileInfo infoOf(const std::string& path) {
 } // namespace
 
 TEST(PlatformPosix, RenamesLinksAndWithoutTheSystemsOwnForm) {
-  const struct {
-    int line;
-    const char* source;
-    const char* target;
-    ErrorKind result;
-  } rows[] = {
+  const qvTest::RenameRow rows[] = {
       {__LINE__, "file", "new", ErrorKind::none},
       {__LINE__, "file", "other", ErrorKind::exists},
       {__LINE__, "file", "dangling", ErrorKind::exists},
@@ -51,30 +48,16 @@ TEST(PlatformPosix, RenamesLinksAndWithoutTheSystemsOwnForm) {
   // The system's own form, then the form by a second name, then that by reserving the name.
   for (const int lacking : {0, 1, 2})
     for (const auto& row : rows) {
-      SCOPED_TRACE(testing::Message() << "line " << row.line << ", lacking " << lacking);
-      const qvTest::Directory directory;
-      directory.write("file", "content");
-      directory.write("other", "precious");
-      std::filesystem::create_symlink("nowhere", directory.path("dangling"));
-      std::filesystem::create_directory(directory.path("empty"));
-      std::filesystem::create_directory(directory.path("full"));
-      directory.write("full/entry", "entry");
-      const int entries = directory.entries();
-      const std::string from = directory.path(row.source), to = directory.path(row.target);
-      const auto kind = std::filesystem::symlink_status(from).type();
-      int error = 0;
-      {
-        qvTest::PlatformScript script;
-        if (lacking > 0) script.failCall(0, EINVAL, "rename");
-        if (lacking > 1) script.failCall(0, EPERM, "link");
-        error = renameFile(from.c_str(), to.c_str());
-      }
-      EXPECT_EQ(errorKind(error), row.result) << systemErrorText(error);
-      EXPECT_EQ(directory.entries(), entries);
-      EXPECT_EQ(directory.read("other"), "precious");
-      EXPECT_EQ(std::filesystem::symlink_status(error ? from : to).type(), kind);
-      EXPECT_EQ(directory.exists(row.source),
-                error ? kind != std::filesystem::file_type::not_found : from == to);
+      SCOPED_TRACE(testing::Message() << "lacking " << lacking);
+      const auto furnish = [](const qvTest::Directory& directory) {
+        std::filesystem::create_symlink("nowhere", directory.path("dangling"));
+      };
+      qvTest::expectRename(row, furnish, [lacking] {
+        auto script = std::make_unique<qvTest::PlatformScript>();
+        if (lacking > 0) script->failCall(0, EINVAL, "rename");
+        if (lacking > 1) script->failCall(0, EPERM, "link");
+        return script;
+      });
     }
 }
 
