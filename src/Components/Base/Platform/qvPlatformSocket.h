@@ -25,6 +25,9 @@ inline constexpr unsigned familyIPv6 = 2;
 /// Whether `number` tells that a connection was refused or its network cannot be reached.
 [[nodiscard]] bool isUnreachable(int number) noexcept;
 
+/// Whether `number` tells that another socket has the port.
+[[nodiscard]] bool isAddressInUse(int number) noexcept;
+
 // ---- Hosts ----
 
 /// Whether `text` is an IPv4 number as `inet_addr` reads it: one to four parts, each in any C base.
@@ -68,6 +71,22 @@ int shutdownSocket(SocketHandle socket, SocketSide side) noexcept;
 /// Sends some of `size` bytes, without a signal where the peer has closed [send]. `*count` is 0 on a failure.
 [[nodiscard]] int sendSome(SocketHandle socket, const void* buffer, std::size_t size,
                            std::size_t* count) noexcept;
+
+// ---- Listening ----
+
+/// Opens a stream socket of one family for listening [socket, setsockopt]. An IPv6 one leaves IPv4 to another
+/// socket. It may have a port whose last connections are still closing, never one that is in use.
+[[nodiscard]] int openListener(unsigned family, SocketHandle* socket) noexcept;
+/// Binds such a socket to the loopback or to all addresses of its family [bind]. Port 0 lets the system
+/// choose; one of more than 16 bits is an error.
+[[nodiscard]] int bindListener(SocketHandle socket, unsigned family, bool loopbackOnly, int port) noexcept;
+/// Lets about `backlog` connections wait to be accepted [listen].
+[[nodiscard]] int listenSocket(SocketHandle socket, int backlog) noexcept;
+/// Takes the connection that has waited longest, and never waits for one [accept]: `*socket` is `noSocket`
+/// where there is none, since a peer may give up before it is accepted.
+[[nodiscard]] int acceptSocket(SocketHandle listener, SocketHandle* socket) noexcept;
+
+// ---- Waiting ----
 
 /// One socket of a wait, and what came of it.
 struct SocketWait {

@@ -12,11 +12,14 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "Base/Platform/qvPlatformSocketAddress.h" // needs the headers above
+
 #include <algorithm>
 #include <chrono>
 #include <climits>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace qvPlatform {
@@ -93,6 +96,8 @@ unsigned availableFamilies() noexcept {
 
 bool isUnreachable(int number) noexcept { return number == ENETUNREACH || number == ECONNREFUSED; }
 
+bool isAddressInUse(int number) noexcept { return number == EADDRINUSE; }
+
 bool isDottedNumber(const char* text) noexcept { return ::inet_addr(text) != INADDR_NONE; }
 
 int openSocket(const addrinfo* entry, SocketHandle* socket) noexcept {
@@ -141,6 +146,37 @@ int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::siz
       "send", [&] { return ::send(descriptorOf(socket), buffer, size, MSG_NOSIGNAL); }, sent);
   *count = error ? 0 : static_cast<std::size_t>(sent);
   return error;
+}
+
+int openListener(unsigned family, SocketHandle* socket) noexcept {
+  const int type = SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK;
+  int error = retryCall(
+      "socket", [&] { return ::socket(familyNumber(family), type, 0); }, *socket);
+  if (error) return error;
+  error = setOption(*socket, SOL_SOCKET, SO_REUSEADDR, 1);
+  if (!error && family == familyIPv6) error = setOption(*socket, IPPROTO_IPV6, IPV6_V6ONLY, 1);
+  if (error) closeSocket(std::exchange(*socket, noSocket));
+  return error;
+}
+
+int bindListener(SocketHandle socket, unsigned family, bool loopbackOnly, int port) noexcept {
+  if (port < 0 || port > largestPort) return EINVAL;
+  const ListenAddress address = listenAddress(family, loopbackOnly, port);
+  return retryCall("bind", [&] { return ::bind(descriptorOf(socket), &address.any, address.size); });
+}
+
+int listenSocket(SocketHandle socket, int backlog) noexcept {
+  return retryCall("listen", [&] { return ::listen(descriptorOf(socket), backlog); });
+}
+
+int acceptSocket(SocketHandle listener, SocketHandle* socket) noexcept {
+  const auto accept = [&] { return ::accept4(descriptorOf(listener), nullptr, nullptr, SOCK_CLOEXEC); };
+  const int error = retryCall("accept", accept, *socket);
+  if (!error) return 0;
+  *socket = noSocket;
+  const bool nobodyWaits =
+      error == EAGAIN || error == EWOULDBLOCK || error == ECONNABORTED || error == EPROTO;
+  return nobodyWaits ? 0 : error;
 }
 
 int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,

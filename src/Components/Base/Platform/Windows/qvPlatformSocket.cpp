@@ -10,12 +10,15 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
+#include "Base/Platform/qvPlatformSocketAddress.h" // needs the headers above
+
 #include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace qvPlatform {
 namespace {
@@ -69,6 +72,12 @@ int setOption(SocketHandle socket, int level, int option, const T& value) noexce
                    [&] { return ::setsockopt(nativeOf(socket), level, option, bytes, sizeof value); });
 }
 
+// Whether the calls on a socket wait until they can do something.
+int setWaiting(SocketHandle socket, bool waits) noexcept {
+  u_long option = waits ? 0 : 1;
+  return ::ioctlsocket(nativeOf(socket), FIONBIO, &option) ? ::WSAGetLastError() : 0;
+}
+
 // Calls take no more at once.
 int lengthOf(std::size_t size) noexcept { return static_cast<int>(std::min<std::size_t>(size, INT_MAX)); }
 
@@ -110,6 +119,8 @@ unsigned availableFamilies() noexcept {
 }
 
 bool isUnreachable(int number) noexcept { return number == WSAENETUNREACH || number == WSAECONNREFUSED; }
+
+bool isAddressInUse(int number) noexcept { return number == WSAEADDRINUSE; }
 
 // The system takes blanks for a number, too.
 bool isDottedNumber(const char* text) noexcept {
@@ -165,6 +176,43 @@ int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::siz
   const int error = retryCall("send", send, sent);
   *count = error ? 0 : static_cast<std::size_t>(sent);
   return error;
+}
+
+// Ports whose connections are closing may be had in any case.
+int openListener(unsigned family, SocketHandle* socket) noexcept {
+  if (const int error = openStream(familyNumber(family), SOCK_STREAM, 0, socket)) return error;
+  int error = setOption(*socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, BOOL{TRUE});
+  if (!error && family == familyIPv6) error = setOption(*socket, IPPROTO_IPV6, IPV6_V6ONLY, DWORD{1});
+  if (!error) error = setWaiting(*socket, false);
+  if (error) closeSocket(std::exchange(*socket, noSocket));
+  return error;
+}
+
+int bindListener(SocketHandle socket, unsigned family, bool loopbackOnly, int port) noexcept {
+  if (port < 0 || port > largestPort) return WSAEINVAL;
+  const ListenAddress address = listenAddress(family, loopbackOnly, port);
+  return retryCall("bind", [&] { return ::bind(nativeOf(socket), &address.any, address.size); });
+}
+
+int listenSocket(SocketHandle socket, int backlog) noexcept {
+  return retryCall("listen", [&] { return ::listen(nativeOf(socket), backlog); });
+}
+
+// What is accepted has the properties of the listener, but would be inherited by started programs.
+int acceptSocket(SocketHandle listener, SocketHandle* socket) noexcept {
+  const auto accept = [&] {
+    return static_cast<SocketHandle>(::accept(nativeOf(listener), nullptr, nullptr));
+  };
+  int error = retryCall("accept", accept, *socket);
+  if (!error) {
+    ::SetHandleInformation(reinterpret_cast<HANDLE>(*socket), HANDLE_FLAG_INHERIT, 0);
+    error = setWaiting(*socket, true);
+    if (!error) return 0;
+    closeSocket(*socket);
+  }
+  *socket = noSocket;
+  const bool nobodyWaits = error == WSAEWOULDBLOCK || error == WSAECONNRESET || error == WSAECONNABORTED;
+  return nobodyWaits ? 0 : error;
 }
 
 int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
