@@ -1,0 +1,92 @@
+// Mapped files. One descriptor serves as both handles.
+#include "Base/Platform/qvPlatformMap.h"
+
+#include "Base/Platform/Posix/qvPlatformDescriptor.h"
+#include "Base/Platform/qvPlatformError.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <limits>
+#include <utility>
+
+namespace qvPlatform {
+
+namespace {
+
+/// What a file gives that somebody else has.
+constexpr int taken = EWOULDBLOCK;
+
+/// Locks the file, and makes sure that the name did not go to another one before the lock was there.
+int claim(const char* path, FileHandle file) {
+  if (const int error = retryCall("lock", [&] { return ::flock(descriptorOf(file), LOCK_EX | LOCK_NB); }))
+    return error;
+  FileInfo opened, named;
+  if (const int error = queryHandle(file, &opened)) return error;
+  const int error = queryFile(path, &named);
+  if (isNotFound(error)) return taken;
+  return error || opened.isSameFile(named) ? error : taken;
+}
+
+/// Gives the file this size and all its blocks, or no bytes at all.
+int fill(FileHandle file, std::int64_t size) {
+  if (const int error = truncateFile(file, 0)) return error;
+  const int error = retryCall("reserve", [&] {
+    errno = ::posix_fallocate(descriptorOf(file), 0, size);
+    return errno ? -1 : 0;
+  });
+  if (error) (void)truncateFile(file, 0);
+  return error;
+}
+
+} // namespace
+
+int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose, MapFile* made) noexcept {
+  if (size == 0 || size > std::numeric_limits<off_t>::max()) return EINVAL;
+  FileHandle file = noFile;
+  if (const int error = openFile(path, openRead | openWrite | openCreate | openPrivate, &file)) return error;
+  int error = claim(path, file);
+  if (deleteOnClose && error != taken) {
+    const int failed = deleteFile(path);
+    if (!error) error = failed;
+  }
+  if (!error) error = fill(file, static_cast<std::int64_t>(size));
+  if (error)
+    closeFile(file);
+  else
+    *made = {file, file};
+  return error;
+}
+
+void closeMapFile(MapFile* file) noexcept {
+  const MapFile closed = std::exchange(*file, MapFile());
+  if (closed.file != noMapHandle) closeFile(closed.file);
+}
+
+int mapWindow(const MapFile& file, std::int64_t offset, std::uint64_t size, void** address) noexcept {
+  void* mapped = nullptr;
+  const int error = retryCall("map", [&] {
+    mapped = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptorOf(file.mapping), offset);
+    return mapped == MAP_FAILED ? -1 : 0;
+  });
+  if (!error) *address = mapped;
+  return error;
+}
+
+void unmapWindow(void* address, std::uint64_t size) noexcept {
+  (void)beforeCall("unmap");
+  ::munmap(address, size);
+}
+
+int flushWindow(void* address, std::uint64_t begin, std::uint64_t end) noexcept {
+  const std::uint64_t first = begin & ~(mapGranularity() - 1); // the call takes only the start of a page
+  return retryCall("flush",
+                   [&] { return ::msync(static_cast<char*>(address) + first, end - first, MS_SYNC); });
+}
+
+std::uint64_t mapGranularity() noexcept { return static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE)); }
+
+} // namespace qvPlatform
