@@ -20,9 +20,8 @@ concept Comparable = OneOf<T, Vector, Vector2, VectorFlt, Vector2Flt, Normal, Po
 /// The square of the distance; of narrow points a narrow sum.
 template <detail::Distant T>
 [[nodiscard]] constexpr typename T::Number distance2(const T& a, const T& b) noexcept {
-  typename T::Number differences[T::size];
-  detail::forEach<T::size>([&](int i) { differences[i] = a[i] - b[i]; });
-  return detail::sumOfSquares(differences);
+  const auto difference = a - b;
+  return detail::dot(difference, difference);
 }
 
 /// The Euclidean distance: the root of that sum, taken wide.

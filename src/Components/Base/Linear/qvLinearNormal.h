@@ -25,71 +25,58 @@ public:
 
   /// Leaves the numbers, and whether they are valid, as they are in memory.
   Normal() = default;
-  Normal(double dx, double dy, double dz) noexcept : Normal(Promise(), dx, dy, dz) { normalize(); }
+  Normal(double dx, double dy, double dz) noexcept : Normal(Vector(dx, dy, dz)) {}
   /// From numbers in memory.
-  explicit Normal(detail::PointerTo<double> auto from) noexcept : Normal(from[0], from[1], from[2]) {}
-  explicit Normal(const Vector& v) noexcept : Normal(v[0], v[1], v[2]) {}
+  explicit Normal(detail::PointerTo<double> auto from) noexcept : Normal(Vector(from)) {}
+  explicit Normal(const Vector& v) noexcept : direction_(v), valid_(direction_.normalize()) {}
   Normal& operator=(const Vector& v) noexcept { return *this = Normal(v); }
   /// @{ Valid, with the numbers as they are.
-  constexpr Normal(Promise, double dx, double dy, double dz) noexcept : numbers_{dx, dy, dz}, valid_(true) {}
+  constexpr Normal(Promise promise, double dx, double dy, double dz) noexcept
+      : Normal(promise, Vector(dx, dy, dz)) {}
   constexpr Normal(Promise promise, detail::PointerTo<double> auto from) noexcept
-      : Normal(promise, from[0], from[1], from[2]) {}
-  constexpr Normal(Promise promise, const Vector& v) noexcept : Normal(promise, v[0], v[1], v[2]) {}
+      : Normal(promise, Vector(from)) {}
+  constexpr Normal(Promise, const Vector& v) noexcept : direction_(v), valid_(true) {}
   /// @}
 
-  void set(double dx, double dy, double dz) noexcept { *this = Normal(dx, dy, dz); }
-  void set(detail::PointerTo<double> auto from) noexcept { *this = Normal(from); }
-  void set(const Vector& v) noexcept { *this = v; }
-  /// @{ Valid, with the numbers as they are.
-  constexpr void set(Promise promise, double dx, double dy, double dz) noexcept {
-    *this = Normal(promise, dx, dy, dz);
+  /// Sets what a constructor with the same arguments makes; so with a promise the numbers stay as they are.
+  template <class... Arguments>
+  requires(sizeof...(Arguments) > 0 &&
+           std::constructible_from<
+               Normal, const Arguments&...>) constexpr void set(const Arguments&... arguments) noexcept {
+    *this = Normal(arguments...);
   }
-  constexpr void set(Promise promise, detail::PointerTo<double> auto from) noexcept {
-    *this = Normal(promise, from);
-  }
-  constexpr void set(Promise promise, const Vector& v) noexcept { *this = Normal(promise, v); }
-  /// @}
-  constexpr void get(double& dx, double& dy, double& dz) const noexcept {
-    dx = numbers_[0];
-    dy = numbers_[1];
-    dz = numbers_[2];
-  }
-  constexpr void get(std::same_as<double*> auto to) const noexcept { detail::copyOut(numbers_, to); }
+  constexpr void get(double& dx, double& dy, double& dz) const noexcept { direction_.get(dx, dy, dz); }
+  constexpr void get(std::same_as<double*> auto to) const noexcept { direction_.get(to); }
 
   [[nodiscard]] constexpr bool isValid() const noexcept { return valid_; }
   /// All numbers become 0.
   constexpr void setInvalid() noexcept {
-    *this = Normal(Promise(), 0, 0, 0);
+    direction_.set(0, 0, 0);
     valid_ = false;
   }
 
-  /// The numbers by place, unchecked.
-  [[nodiscard]] constexpr double operator[](int place) const noexcept { return numbers_[place]; }
-  /// The address of x, to read; a template for the reason told in `Vector`.
-  template <std::same_as<double> T>
-  constexpr operator const T*() const noexcept {
-    return numbers_;
+  /// A number by its place, unchecked.
+  [[nodiscard]] constexpr double operator[](int place) const noexcept { return direction_[place]; }
+  /// The address of x, to read. A template as in `Numbers`.
+  template <std::same_as<double> P>
+  constexpr operator const P*() const noexcept {
+    return direction_;
   }
 
   /// Exact, and of the numbers alone: all invalid normals are equal.
-  constexpr bool operator==(const Normal& other) const noexcept {
-    return numbers_[0] == other.numbers_[0] && numbers_[1] == other.numbers_[1] &&
-           numbers_[2] == other.numbers_[2];
-  }
+  constexpr bool operator==(const Normal& other) const noexcept { return direction_ == other.direction_; }
 
   /// @{ 1, or 0 where invalid, unless a promise was not kept.
-  [[nodiscard]] double length() const noexcept { return detail::length(numbers_); }
-  [[nodiscard]] constexpr double length2() const noexcept { return detail::sumOfSquares(numbers_); }
+  [[nodiscard]] double length() const noexcept { return direction_.length(); }
+  [[nodiscard]] constexpr double length2() const noexcept { return direction_.length2(); }
   /// @}
   /// An invalid one stays invalid.
   constexpr Normal& reverse() noexcept {
-    detail::scale(numbers_, -1);
+    direction_.reverse();
     return *this;
   }
   /// A vector at a right angle to this one, of any length.
-  [[nodiscard]] constexpr Vector orthogonalVector() const noexcept {
-    return Vector(*this).orthogonalVector();
-  }
+  [[nodiscard]] constexpr Vector orthogonalVector() const noexcept { return direction_.orthogonalVector(); }
 
   friend constexpr Vector operator+(const Normal& a, const Normal& b) noexcept { return Vector(a) + b; }
   friend constexpr Vector operator-(const Normal& a, const Normal& b) noexcept { return Vector(a) - b; }
@@ -101,9 +88,7 @@ public:
   friend QV_BASE_API std::ostream& operator<<(std::ostream& out, const Normal& n);
 
 private:
-  void normalize() noexcept { valid_ = detail::normalizeOrClear(numbers_, epsilon2Tol); }
-
-  double numbers_[3];
+  Vector direction_;
   bool valid_;
 };
 
