@@ -6,10 +6,10 @@
 namespace qvLinear {
 
 /// A rational point: the true coordinates x, y, z, and a weight w. As `Point`, but for what is told here.
-class RPoint : public detail::Numbers<RPoint, double, 4> {
+class RPoint : public detail::Coordinates<RPoint, double, 4> {
 public:
   RPoint() = default;
-  constexpr RPoint(double x, double y, double z, double w) noexcept : Numbers(x, y, z, w) {}
+  constexpr RPoint(double x, double y, double z, double w) noexcept : Coordinates(x, y, z, w) {}
   /// From numbers in memory.
   explicit constexpr RPoint(detail::PointerTo<double> auto from) noexcept
       : RPoint(from[0], from[1], from[2], from[3]) {}

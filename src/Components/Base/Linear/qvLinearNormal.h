@@ -57,7 +57,7 @@ public:
 
   /// A number by its place, unchecked.
   [[nodiscard]] constexpr double operator[](int place) const noexcept { return direction_[place]; }
-  /// The address of x, to read. A template as in `Numbers`.
+  /// The address of x, to read. A template as in `Coordinates`.
   template <std::same_as<double> P>
   constexpr operator const P*() const noexcept {
     return direction_;

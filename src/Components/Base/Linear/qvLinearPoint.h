@@ -10,7 +10,7 @@ namespace detail {
 /// The base of a class of positions: an `Offset`, the vector of the same numbers, moves one and tells two
 /// apart.
 template <class Self, class Offset, class T, int n>
-class Position : public Numbers<Self, T, n> {
+class Position : public Coordinates<Self, T, n> {
 public:
   constexpr Self& operator+=(const Offset& v) noexcept { return moveTo(offset() + v); }
   constexpr Self& operator-=(const Offset& v) noexcept { return moveTo(offset() - v); }
@@ -20,7 +20,7 @@ public:
   friend constexpr Offset operator-(const Self& a, const Self& b) noexcept { return a.offset() - b.offset(); }
 
 protected:
-  using Numbers<Self, T, n>::Numbers;
+  using Coordinates<Self, T, n>::Coordinates;
 
   /// From the origin to here.
   [[nodiscard]] constexpr Offset offset() const noexcept { return Offset(this->numbers_); }

@@ -1,7 +1,7 @@
 // Tuple2, Tuple3, Tuple4: bare numbers that are neither positions nor directions.
 #pragma once
 
-#include "Base/Linear/qvLinearNumbers.h"
+#include "Base/Linear/qvLinearCoordinates.h"
 #include "Base/qvBase.h"
 
 namespace qvLinear {

@@ -1,7 +1,7 @@
 // Vector, Vector2, VectorFlt, Vector2Flt: directions and offsets.
 #pragma once
 
-#include "Base/Linear/qvLinearNumbers.h"
+#include "Base/Linear/qvLinearCoordinates.h"
 #include "Base/Linear/qvLinearTolerance.h"
 #include "Base/qvBase.h"
 

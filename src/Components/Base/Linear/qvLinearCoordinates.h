@@ -1,4 +1,4 @@
-// Numbers and Arithmetic: what the classes of values have in common.
+// Coordinates and Arithmetic: what the classes of values have in common.
 #pragma once
 
 #include "Base/Linear/qvLinearComponents.h"
@@ -10,7 +10,7 @@ namespace qvLinear::detail {
 /// and an array of values is an array of numbers. Default construction leaves the numbers as they are in
 /// memory.
 template <class Self, class T, int n>
-class Numbers {
+class Coordinates {
 public:
   using Number = T;
   static constexpr int size = n;
@@ -54,8 +54,8 @@ public:
   }
 
 protected:
-  Numbers() = default;
-  explicit constexpr Numbers(Numeric auto... numbers) noexcept requires(sizeof...(numbers) == n)
+  Coordinates() = default;
+  explicit constexpr Coordinates(Numeric auto... numbers) noexcept requires(sizeof...(numbers) == n)
       : numbers_{static_cast<T>(numbers)...} {}
 
   T numbers_[n];
@@ -63,7 +63,7 @@ protected:
 
 /// The base of a class whose values are added and scaled, number by number.
 template <class Self, class T, int n>
-class Arithmetic : public Numbers<Self, T, n> {
+class Arithmetic : public Coordinates<Self, T, n> {
 public:
   constexpr Self& operator+=(const Self& other) noexcept {
     return forAll([&](int i) { this->numbers_[i] += other[i]; });
@@ -86,7 +86,7 @@ public:
   friend constexpr Self operator/(Self a, T divisor) noexcept { return a /= divisor; }
 
 protected:
-  using Numbers<Self, T, n>::Numbers;
+  using Coordinates<Self, T, n>::Coordinates;
 
   template <class Action>
   constexpr Self& forAll(Action action) noexcept {
