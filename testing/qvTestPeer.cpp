@@ -24,6 +24,8 @@ void setOption(std::intptr_t socket, int level, int option, const T& value) {
 } // namespace
 
 const int unreachableNumber = system::unreachableNumber;
+const int addressInUseNumber = system::addressInUseNumber;
+const int gaveUpNumber = system::gaveUpNumber;
 
 bool hasIPv6() { return Listener(true).port() != 0; }
 

@@ -18,8 +18,9 @@ namespace qvTest {
 [[nodiscard]] bool closesOnExec(std::intptr_t socket);
 [[nodiscard]] bool descriptorClosesOnExec(int descriptor);
 
-/// The system's number for a network that cannot be reached.
-extern const int unreachableNumber;
+/// The system's numbers for a network that cannot be reached, a port that is in use, and a peer that gave up
+/// before it was accepted.
+extern const int unreachableNumber, addressInUseNumber, gaveUpNumber;
 
 /// Whether small writes go out at once.
 [[nodiscard]] bool hasNoDelay(std::intptr_t socket);

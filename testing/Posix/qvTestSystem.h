@@ -74,6 +74,8 @@ inline bool isMapped(const std::string& fileName) {
 // ---- Sockets ----
 
 inline constexpr int unreachableNumber = ENETUNREACH;
+inline constexpr int addressInUseNumber = EADDRINUSE;
+inline constexpr int gaveUpNumber = ECONNABORTED;
 
 inline int handleOf(std::intptr_t socket) { return static_cast<int>(socket); }
 

@@ -61,6 +61,8 @@ inline bool isMapped(const std::string& fileName) {
 // ---- Sockets ----
 
 inline constexpr int unreachableNumber = WSAENETUNREACH;
+inline constexpr int addressInUseNumber = WSAEADDRINUSE;
+inline constexpr int gaveUpNumber = WSAECONNRESET;
 
 inline SOCKET handleOf(std::intptr_t socket) { return static_cast<SOCKET>(socket); }
 

@@ -165,16 +165,16 @@ qv::pair<Socket*, Error> Server::accept(const Interval& interval) {
   if (impl.sockets.empty())
     if (const Error error = listen()) return {nullptr, error};
   const TimeLeft left(waitLimit(interval));
-  for (;;) {
+  do {
     SocketSet ready;
     for (const SocketHandle socket : impl.sockets) ready.add(socket);
     SocketHandle accepted = noSocket;
     int number = ready.isEmpty() ? everythingClosed() : ready.wait(left.microseconds());
-    if (!number && ready.isEmpty()) return {nullptr, Error()};
-    if (!number) number = qvPlatform::acceptSocket(ready.first(), &accepted);
+    if (!number && !ready.isEmpty()) number = qvPlatform::acceptSocket(ready.first(), &accepted);
     if (number) return {nullptr, systemError(1, number)};
     if (accepted != noSocket) return serverSocket(accepted);
-  }
+  } while (left.microseconds() != 0);
+  return {nullptr, Error()};
 }
 
 Error Server::accept(Socket** socket, const Interval& interval) {

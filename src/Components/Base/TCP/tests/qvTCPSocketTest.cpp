@@ -7,6 +7,7 @@
 #include "Base/String/qvStringIString.h"
 #include "Base/TCP/qvTCPAddress.h"
 #include "Base/TCP/qvTCPSocketImpl.h"
+#include "Base/TCP/tests/qvTCPTest.h"
 #include "testing/qvTestPeer.h"
 #include "testing/qvTestPlatform.h"
 
@@ -23,19 +24,7 @@ using qvString::IString;
 using qvTCP::Address;
 using qvTCP::ClientSocket;
 using qvUtil::Error;
-
-std::string told(const Error& error) { return std::to_string(error.num()) + " " + error.message(); }
-
-bool startsWith(const std::string& text, const std::string& start) { return text.starts_with(start); }
-
-// The families as the process sees them, for one scope.
-struct Families {
-  explicit Families(unsigned families) {
-    qvTCP::socketsStarted = true;
-    qvTCP::protocolFamilies = families;
-  }
-  ~Families() { qvTCP::socketsStarted = false; }
-};
+using namespace qvTCPTest;
 
 // A connected pair.
 struct Connection {
@@ -51,10 +40,6 @@ struct Connection {
     if (!peer) throw std::runtime_error("no connection came");
   }
 };
-
-std::string frame(const std::string& text) {
-  return std::string{static_cast<char>(text.size() >> 8), static_cast<char>(text.size())} + text;
-}
 
 class TCPSocket : public testing::TestWithParam<bool> {
 protected:
@@ -261,7 +246,7 @@ TEST(TCPClient, FallsBackToIPv6ForTheLoopback) {
     EXPECT_FALSE(client.write("x"));
     EXPECT_EQ(listener.accept()->receive(3), frame("x"));
   }
-  const Families six(qvPlatform::familyIPv6);
+  const Families sixAlone(six);
   EXPECT_FALSE(ClientSocket(loopback).connect());
   EXPECT_EQ(told(ClientSocket(Address("127.0.0.2", 1)).connect()),
             "2 connect() failed: No useable protocol families found.");
