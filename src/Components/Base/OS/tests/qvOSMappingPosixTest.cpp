@@ -1,16 +1,24 @@
 // What of mapped files only these systems let a test see: which bytes are asked of the system, which pages
 // are touched, who else locks a file; and limits that a child of the test gives itself.
 #include "Base/OS/qvOSMemoryMappedFile.h"
+#include "Base/OS/qvOSMoveableMemory.h"
 #include "Base/OS/tests/qvOSTestName.h"
+#include "Base/OS/tests/qvOSTestPattern.h"
 #include "testing/qvTestChild.h"
+#include "testing/qvTestSanitizer.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <vector>
 
+#include <sched.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -133,6 +141,102 @@ TEST(FileMappingPosix, OtherProcessesAreRefused) {
             0);
   EXPECT_EQ(scratch.read("f"), "0123456789");
   window.unmap();
+}
+
+using Mapping = qv::Reference<qvOS::MoveableMapping>;
+
+/// What a child ends with that could not set the scene.
+constexpr int notPossible = 77;
+
+void write(const Mapping& block, std::uint64_t seed) {
+  qvTest::writePattern(block->map(), block->getSize(), seed);
+}
+bool isKept(const Mapping& block, std::uint64_t seed) {
+  return qvTest::hasPattern(block->map(), block->getSize(), seed);
+}
+
+TEST(MoveablePosix, AFullDiskHarmsNothing) {
+  const qvTest::Scratch scratch;
+  const int result = qvTest::inChild([&] {
+    const int spaces = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
+    if (unshare(spaces) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("none", scratch.path().c_str(), "tmpfs", 0, "size=70m") != 0)
+      _exit(notPossible);
+    qvOS::MoveableMemory memory;
+    ASSERT_TRUE(memory.initializeFiles(scratch.name(""), QV_W("full")));
+    const std::uint64_t size = 33 * megabyte; // a file for each
+    Mapping first = memory.allocate(size);
+    const Mapping second = memory.allocate(size);
+    ASSERT_TRUE(first && second);
+    write(first, 1);
+    write(second, 2);
+    EXPECT_FALSE(memory.allocate(size));
+    EXPECT_FALSE(memory.allocate(1));
+    EXPECT_TRUE(isKept(first, 1) && isKept(second, 2));
+    EXPECT_EQ(memory.getStats().fileCount, 2u);
+    first = nullptr;
+    first = memory.allocate(size);
+    ASSERT_TRUE(first);
+    std::memset(first->map(), 3, size); // the whole room is there
+    EXPECT_TRUE(isKept(second, 2));
+  });
+  if (result == notPossible) GTEST_SKIP() << "no file system can be mounted here";
+  EXPECT_EQ(result, 0);
+}
+
+TEST(MoveablePosix, AKilledProcessLeavesNothing) {
+  const qvTest::Scratch scratch;
+  EXPECT_EQ(qvTest::inChild([&] {
+              qvOS::MoveableMemory memory;
+              EXPECT_TRUE(memory.initializeFiles(scratch.name(""), QV_W("killed")));
+              const Mapping block = memory.allocate(megabyte);
+              write(block, 1);
+              if (isKept(block, 1)) raise(SIGKILL);
+            }),
+            -SIGKILL);
+  EXPECT_EQ(scratch.entries(), 0);
+}
+
+/// Lets the process have so many bytes of address space besides those that it has.
+bool limitAddressSpace(std::uint64_t more) {
+  std::uint64_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  rlimit limit{}, told{};
+  limit.rlim_cur = limit.rlim_max = pages * FileMapping::getGranularity() + more;
+  return setrlimit(RLIMIT_AS, &limit) == 0 && getrlimit(RLIMIT_AS, &told) == 0 &&
+         told.rlim_cur == limit.rlim_cur;
+}
+
+TEST(MoveablePosix, HoldsMoreThanTheAddressSpace) {
+  if (qvTest::isSanitized) GTEST_SKIP() << "a sanitizer needs the address space for itself";
+  const qvTest::Scratch scratch;
+  if (std::filesystem::space(scratch.path()).available < 3072 * megabyte)
+    GTEST_SKIP() << "no room for files of 2 GiB";
+  const int result = qvTest::inChild([&] {
+    if (!limitAddressSpace(256 * megabyte)) _exit(notPossible);
+    qvOS::MoveableMemory memory;
+    ASSERT_TRUE(memory.initializeFiles(scratch.name(""), QV_W("large")));
+    std::vector<Mapping> blocks;
+    for (std::uint64_t i = 0; i < 64; ++i) {
+      blocks.push_back(memory.allocate(32 * megabyte));
+      ASSERT_TRUE(blocks.back() && blocks.back()->map());
+      write(blocks.back(), i);
+      blocks.back()->unmap();
+    }
+    EXPECT_EQ(memory.getStats().usedBytes, 2048 * megabyte);
+    // All of them at once are too much, and those for which there is room are good.
+    std::size_t mapped = 0;
+    while (mapped < 64 && blocks[mapped]->map()) ++mapped;
+    EXPECT_TRUE(mapped >= 4 && mapped <= 8) << mapped;
+    EXPECT_EQ(memory.getStats().mappedBytes, mapped * 32 * megabyte);
+    for (std::size_t i = 0; i < 64; ++i) {
+      if (i >= mapped) blocks[i - mapped]->unmap();
+      ASSERT_TRUE(blocks[i]->map());
+      EXPECT_TRUE(isKept(blocks[i], i)) << i;
+    }
+  });
+  if (result == notPossible) GTEST_SKIP() << "the address space cannot be limited here";
+  EXPECT_EQ(result, 0);
 }
 
 } // namespace

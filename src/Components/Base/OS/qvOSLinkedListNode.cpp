@@ -1,0 +1,7 @@
+#include "Base/OS/qvOSLinkedListNode.h"
+
+namespace qvOS {
+
+LinkedListNode::~LinkedListNode() = default;
+
+} // namespace qvOS

@@ -1,0 +1,389 @@
+#include "Base/OS/qvOSMoveableAllocator.h"
+#include "Base/OS/qvOSMoveableMemory.h"
+#include "Base/OS/tests/qvOSMMAllocatorCheck.h"
+#include "Base/OS/tests/qvOSTestName.h"
+#include "Base/OS/tests/qvOSTestPattern.h"
+#include "Base/Platform/qvPlatformError.h"
+#include "testing/qvTestPlatform.h"
+#include "testing/qvTestSanitizer.h"
+#include "testing/qvTestSeed.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace qvOS;
+using Check = MMAllocatorCheck;
+using Mapping = qv::Reference<MoveableMapping>;
+using Small = std::unique_ptr<MoveableChunk>;
+
+constexpr std::uint64_t kib = 1024, mib = 1024 * kib, unit = 64 * kib;
+constexpr std::uint64_t hostile[] = {~std::uint64_t(0), ~std::uint64_t(0) - 31, ~std::uint64_t(0) - unit,
+                                     std::uint64_t(1) << 63, (std::uint64_t(1) << 63) - 1};
+
+/// A memory whose files are in a directory of their own, which goes after them.
+class Memory : qvTest::Scratch, public MoveableMemory {
+public:
+  Memory() { EXPECT_TRUE(initializeFiles(name(""), QV_W("moveable"))); }
+};
+
+/// The figures from `fileCount` on.
+std::vector<std::uint64_t> figures(MoveableMemory& memory) {
+  const MoveableMemory::Stats stats = memory.getStats();
+  EXPECT_EQ(stats.granularity, FileMapping::getGranularity());
+  return {stats.fileCount, stats.fileBytes, stats.usedBlocks, stats.usedBytes, stats.mappedBytes};
+}
+using Figures = std::vector<std::uint64_t>;
+
+TEST(Moveable, NeedsADirectory) {
+  const qvTest::Scratch scratch;
+  scratch.write("file", "");
+  MoveableMemory memory;
+  MoveableAllocator allocator(memory);
+  EXPECT_FALSE(memory.initializeFiles(qvString::IString(), QV_W("x")));
+  EXPECT_FALSE(memory.initializeFiles(scratch.name(""), qvString::IString()));
+  EXPECT_FALSE(memory.initializeFiles(scratch.name("file"), QV_W("x")));
+  EXPECT_FALSE(memory.initializeFiles(scratch.name("nowhere"), QV_W("x")));
+  EXPECT_FALSE(memory.allocate(1));
+  EXPECT_FALSE(Small(allocator.allocate(1)));
+  EXPECT_TRUE(memory.initializeFiles(scratch.name(""), QV_W("x")));
+  EXPECT_FALSE(memory.initializeFiles(scratch.name("file"), QV_W("x")));
+  EXPECT_TRUE(memory.allocate(1));
+  EXPECT_TRUE(Small(allocator.allocate(1)));
+}
+
+TEST(Moveable, SizesAreRoundedOrRefused) {
+  Memory memory;
+  MoveableAllocator allocator(memory);
+  const struct {
+    int line;
+    std::uint64_t size, blockSize, fileSize; // the last two 0 where there is no block
+  } rows[] = {
+      {__LINE__, 0, 0, 0},
+      {__LINE__, 1, unit, 128 * mib},
+      {__LINE__, unit, unit, 128 * mib},
+      {__LINE__, unit + 1, 2 * unit, 128 * mib},
+      {__LINE__, 32 * mib, 32 * mib, 128 * mib},
+      {__LINE__, 32 * mib + 1, 32 * mib + 1, 32 * mib + 1},
+      {__LINE__, 128 * mib, 128 * mib, 128 * mib},
+      {__LINE__, hostile[0], 0, 0},
+      {__LINE__, hostile[1], 0, 0},
+      {__LINE__, hostile[2], 0, 0},
+      {__LINE__, hostile[3], 0, 0},
+      {__LINE__, hostile[4], 0, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.line);
+    const Mapping mapping = memory.allocate(row.size);
+    const std::uint64_t one = row.blockSize ? 1 : 0;
+    EXPECT_EQ(mapping ? mapping->getSize() : 0, row.blockSize);
+    EXPECT_EQ(figures(memory), (Figures{one, row.fileSize, one, row.blockSize, 0}));
+  }
+  EXPECT_EQ(figures(memory), (Figures{0, 0, 0, 0, 0}));
+  EXPECT_FALSE(allocator.allocate(0));
+  for (const std::uint64_t size : hostile) EXPECT_FALSE(allocator.allocate(size));
+  EXPECT_EQ(allocator.getNumAllocated(), 0);
+  EXPECT_EQ(figures(memory), (Figures{0, 0, 0, 0, 0}));
+}
+
+TEST(Moveable, ARestOfOneUnitIsNotSplitOff) {
+  Memory memory;
+  const Mapping large[] = {memory.allocate(32 * mib), memory.allocate(32 * mib), memory.allocate(32 * mib)};
+  Mapping last = memory.allocate(32 * mib - unit);
+  EXPECT_EQ(last->getSize(), 32 * mib);
+  EXPECT_EQ(figures(memory), (Figures{1, 128 * mib, 4, 128 * mib, 0}));
+  last = nullptr;
+  last = memory.allocate(32 * mib - 2 * unit);
+  EXPECT_EQ(last->getSize(), 32 * mib - 2 * unit);
+  const Mapping rest = memory.allocate(unit);
+  EXPECT_EQ(rest->getSize(), 2 * unit);
+  EXPECT_EQ(figures(memory), (Figures{1, 128 * mib, 5, 128 * mib, 0}));
+}
+
+TEST(Moveable, OneEmptyFileIsKept) {
+  Memory memory;
+  std::vector<Mapping> blocks;
+  for (int i = 0; i < 8; ++i) blocks.push_back(memory.allocate(32 * mib));
+  EXPECT_EQ(Check::chunkCount(memory), 2);
+  { // one with its own size goes with its block
+    const Mapping own = memory.allocate(32 * mib + 1);
+    EXPECT_EQ(Check::chunkCount(memory), 3);
+  }
+  EXPECT_EQ(Check::chunkCount(memory), 2);
+  // The blocks of the first file go in an odd order, and it is one block again.
+  for (const std::size_t i : {2u, 0u, 3u, 1u}) blocks[i] = nullptr;
+  EXPECT_TRUE(Check::hasSpare(memory));
+  EXPECT_EQ(Check::chunkCount(memory), 2);
+  blocks[0] = memory.allocate(128 * mib); // takes the spare one
+  EXPECT_FALSE(Check::hasSpare(memory));
+  EXPECT_EQ(Check::chunkCount(memory), 2);
+  blocks.clear();
+  EXPECT_TRUE(Check::hasSpare(memory));
+  EXPECT_EQ(Check::chunkCount(memory), 1);
+  EXPECT_EQ(figures(memory), (Figures{0, 0, 0, 0, 0})); // asking gives it back
+  EXPECT_EQ(Check::chunkCount(memory), 0);
+}
+
+TEST(Moveable, CountsMappedBytes) {
+  Memory memory;
+  Mapping mapping = memory.allocate(3 * unit);
+  void* const address = mapping->map();
+  ASSERT_TRUE(address);
+  EXPECT_EQ(mapping->map(), address);
+  EXPECT_EQ(mapping->getPtr(), address);
+  EXPECT_EQ(figures(memory).back(), 3 * unit);
+  mapping->flush(0, 3 * unit);
+  mapping->load(0, 3 * unit);
+  mapping->unmap();
+  mapping->unmap();
+  EXPECT_FALSE(mapping->getPtr());
+  EXPECT_EQ(figures(memory).back(), 0u);
+  mapping->map();
+  mapping = nullptr; // stays counted, and is meant to
+  EXPECT_EQ(figures(memory), (Figures{0, 0, 0, 0, 3 * unit}));
+}
+
+TEST(Moveable, SmallBlocksShareAMapping) {
+  Memory memory;
+  MoveableAllocator allocator(memory), view(allocator);
+  const Small a(allocator.allocate(100)), b(allocator.allocate(kib)),
+      other(allocator.allocate(256 * kib + 1));
+  EXPECT_EQ(view.getNumAllocated(), 3);
+  EXPECT_EQ(figures(memory), (Figures{1, 128 * mib, 2, mib + 5 * unit, 0}));
+  auto* const start = static_cast<char*>(a->map());
+  EXPECT_TRUE(a->isMapped() && !b->isMapped());
+  EXPECT_EQ(b->map(), start + 128);
+  EXPECT_EQ(a->map(), start);
+  std::strcpy(start, "kept");
+  a->unmap();
+  a->unmap();
+  EXPECT_FALSE(a->isMapped());
+  EXPECT_EQ(figures(memory).back(), mib);
+  b->unmap();
+  EXPECT_EQ(figures(memory).back(), mib); // in the cache
+  EXPECT_EQ(a->map(), start);
+  a->unmap();
+  other->map();
+  EXPECT_EQ(figures(memory).back(), mib + 5 * unit);
+  other->unmap(); // takes the place in the cache
+  EXPECT_EQ(figures(memory).back(), 5 * unit);
+  EXPECT_STREQ(static_cast<char*>(a->map()), "kept");
+  EXPECT_EQ(figures(memory).back(), mib + 5 * unit);
+  allocator.unmapCachedMappings();
+  EXPECT_EQ(figures(memory).back(), mib);
+  a->unmap();
+  view.unmapCachedMappings();
+  EXPECT_EQ(figures(memory).back(), 0u);
+}
+
+TEST(Moveable, AMappingMayFail) {
+  Memory memory;
+  MoveableAllocator allocator(memory);
+  const Mapping mapping = memory.allocate(1);
+  const Small a(allocator.allocate(40)), b(allocator.allocate(40));
+  qvTest::PlatformScript script;
+  script.failCall(0, qvPlatform::errorNumber(qvPlatform::ErrorKind::other), "map", 3);
+  EXPECT_FALSE(mapping->map());
+  EXPECT_FALSE(a->map());
+  EXPECT_TRUE(a->isMapped());
+  EXPECT_FALSE(a->map()); // does not ask again
+  EXPECT_FALSE(b->map());
+  EXPECT_EQ(script.failures(), 3);
+  EXPECT_EQ(figures(memory).back(), 0u);
+  EXPECT_TRUE(mapping->map());
+  a->unmap();
+  EXPECT_TRUE(a->map());
+  EXPECT_EQ(static_cast<char*>(b->map()), static_cast<char*>(a->map()) + 64);
+  mapping->unmap();
+}
+
+TEST(Moveable, AFileMayFail) {
+  Memory memory;
+  MoveableAllocator allocator(memory);
+  const Mapping before = memory.allocate(32 * mib);
+  qvTest::writePattern(before->map(), before->getSize(), 1);
+  const Figures good = figures(memory);
+  Mapping made;
+  const int failures = qvTest::failEveryCall(
+      qvPlatform::errorNumber(qvPlatform::ErrorKind::noSpace), nullptr, [] {},
+      [&] {
+        const Small small(allocator.allocate(100 * mib));
+        made = small ? Mapping() : memory.allocate(100 * mib);
+      },
+      [&] {
+        made = nullptr;
+        EXPECT_EQ(figures(memory), good);
+        EXPECT_EQ(allocator.getNumAllocated(), 0);
+        EXPECT_TRUE(qvTest::hasPattern(before->getPtr(), before->getSize(), 1));
+      });
+  EXPECT_GE(failures, 3);
+  before->unmap();
+}
+
+/// A memory and an allocator beside a plain list of what was allocated.
+class Model {
+public:
+  explicit Model(qvTest::Random& random) : random_(random) {}
+
+  void step() {
+    switch (random_.below(12)) {
+    case 0:
+    case 1:
+      return allocateLarge();
+    case 2:
+    case 3:
+    case 4:
+      return allocateSmall();
+    case 5:
+    case 6:
+      return drop(blocks_.empty() ? 0 : random_.below(blocks_.size()));
+    case 7:
+      return compareFigures();
+    case 8:
+      return allocator_.unmapCachedMappings();
+    default:
+      return use();
+    }
+  }
+
+  /// Walks all chunks of both levels.
+  void check() {
+    std::set<MoveableChunk*> small;
+    for (const Block& block : blocks_)
+      if (block.small) small.insert(block.small.get());
+    smallChunks_ = Check::walk(Check::of(allocator_), small);
+    EXPECT_EQ(allocator_.getNumAllocated(), static_cast<int>(small.size()));
+    std::set<VChunk*> large;
+    for (const Mapping& mapping : mappings()) large.insert(Check::blockOf(mapping));
+    chunks_ = Check::walk(Check::of(memory_), large);
+  }
+
+  void dropAll() {
+    for (Block& block : blocks_) block.large ? verify(*block.large, block) : verify(*block.small, block);
+    while (!blocks_.empty()) drop(0);
+    compareFigures();
+  }
+
+private:
+  struct Block {
+    Mapping large;
+    Small small; // one of the two
+    std::uint64_t size, seed;
+  };
+
+  std::vector<Mapping> mappings() const {
+    std::vector<Mapping> all;
+    for (const Block& block : blocks_)
+      if (block.large) all.push_back(block.large);
+    for (const ChunkImpl* chunk : smallChunks_) all.push_back(chunk->mapping);
+    return all;
+  }
+
+  std::uint64_t anySize(std::uint64_t most) { return random_.below((most >> random_.below(14)) + 1); }
+
+  void allocateLarge() {
+    const std::uint64_t size = anySize(40 * mib);
+    if (largeBytes_ + size > 300 * mib) return;
+    const auto [chunk, offset] = Check::bestFit(Check::of(memory_), chunks_, size);
+    Mapping made = memory_.allocate(size);
+    ASSERT_EQ(static_cast<bool>(made), size > 0);
+    if (!made) return;
+    if (chunk) expectPlace(*Check::blockOf(made), chunk, offset);
+    largeBytes_ += made->getSize();
+    add({made, nullptr, size, 0}, *made);
+  }
+
+  void allocateSmall() {
+    const std::uint64_t size = anySize(400 * kib);
+    if (blocks_.size() > 250) return;
+    const auto [chunk, offset] = Check::bestFit(Check::of(allocator_), smallChunks_, size);
+    Small made(allocator_.allocate(size));
+    ASSERT_EQ(static_cast<bool>(made), size > 0);
+    if (!made) return;
+    if (chunk) {
+      EXPECT_EQ(Check::mappingOf(*made), chunk->mapping);
+      EXPECT_EQ(Check::offsetOf(*made), offset);
+    }
+    MoveableChunk& block = *made;
+    add({Mapping(), std::move(made), size, 0}, block);
+  }
+
+  static void expectPlace(const VChunk& block, const Chunk* chunk, std::uint64_t offset) {
+    EXPECT_EQ(block.chunk, chunk);
+    EXPECT_EQ(block.offset, offset);
+  }
+
+  template <class Mappable>
+  void add(Block block, Mappable& mappable) {
+    block.seed = random_.bits();
+    void* const bytes = mappable.map();
+    ASSERT_TRUE(bytes);
+    qvTest::writePattern(bytes, block.size, block.seed);
+    if (random_.oneIn(2)) mappable.unmap();
+    blocks_.push_back(std::move(block));
+  }
+
+  void drop(std::size_t index) {
+    if (blocks_.empty()) return;
+    const Mapping large = blocks_[index].large;
+    if (large) largeBytes_ -= large->getSize();
+    if (large && large->getPtr()) lostBytes_ += large->getSize(); // goes while it is mapped
+    std::swap(blocks_[index], blocks_.back());
+    blocks_.pop_back();
+  }
+
+  void use() {
+    if (blocks_.empty()) return;
+    Block& block = blocks_[random_.below(blocks_.size())];
+    block.large ? verify(*block.large, block) : verify(*block.small, block);
+  }
+
+  template <class Mappable>
+  void verify(Mappable& mappable, const Block& block) {
+    void* const bytes = mappable.map();
+    ASSERT_TRUE(bytes);
+    EXPECT_TRUE(qvTest::hasPattern(bytes, block.size, block.seed));
+    if (!random_.oneIn(4)) mappable.unmap();
+  }
+
+  void compareFigures() {
+    const Figures told = figures(memory_);
+    check();
+    Figures expected(5);
+    expected[0] = chunks_.size();
+    for (const Chunk* chunk : chunks_) expected[1] += static_cast<std::uint64_t>(chunk->file.getSize());
+    expected[4] = lostBytes_;
+    for (const Mapping& mapping : mappings()) {
+      ++expected[2];
+      expected[3] += mapping->getSize();
+      expected[4] += mapping->getPtr() ? mapping->getSize() : 0;
+    }
+    EXPECT_EQ(told, expected);
+  }
+
+  qvTest::Random& random_;
+  Memory memory_;
+  MoveableAllocator allocator_{memory_};
+  std::vector<Block> blocks_;
+  std::set<Chunk*> chunks_;
+  std::set<ChunkImpl*> smallChunks_;
+  std::uint64_t largeBytes_ = 0, lostBytes_ = 0;
+};
+
+TEST(Moveable, StaysWellFormedUnderAnyOperations) {
+  qvTest::Random random(20120404);
+  const int steps = qvTest::isSanitized ? 4000 : 40000;
+  Model model(random);
+  for (int i = 0; i < steps && !HasFailure(); ++i) {
+    model.step();
+    model.check();
+  }
+  model.dropAll();
+}
+
+} // namespace
