@@ -4,7 +4,8 @@
 #include "Base/Linear/qvLinearComponents.h"
 #include "Base/Linear/qvLinearForward.h"
 
-namespace qvLinear::detail {
+// Not in `detail`: the functions there would be looked up for every value.
+namespace qvLinear::base {
 
 /// The base of class `Self`: `n` numbers of type `T` and nothing else, so that a value may be copied as bytes
 /// and an array of values is an array of numbers. Default construction leaves the numbers as they are in
@@ -28,7 +29,7 @@ public:
     ((to = numbers_[place++]), ...);
   }
   constexpr void get(std::same_as<T*> auto to) const noexcept {
-    forEach<n>([&](int i) { to[i] = numbers_[i]; });
+    detail::forEach<n>([&](int i) { to[i] = numbers_[i]; });
   }
   /// @}
 
@@ -49,13 +50,13 @@ public:
   /// Exact, of all numbers.
   friend constexpr bool operator==(const Self& a, const Self& b) noexcept {
     bool same = true;
-    forEach<n>([&](int i) { same &= a[i] == b[i]; });
+    detail::forEach<n>([&](int i) { same &= a[i] == b[i]; });
     return same;
   }
 
 protected:
   Coordinates() = default;
-  explicit constexpr Coordinates(Numeric auto... numbers) noexcept requires(sizeof...(numbers) == n)
+  explicit constexpr Coordinates(detail::Numeric auto... numbers) noexcept requires(sizeof...(numbers) == n)
       : numbers_{static_cast<T>(numbers)...} {}
 
   T numbers_[n];
@@ -90,9 +91,9 @@ protected:
 
   template <class Action>
   constexpr Self& forAll(Action action) noexcept {
-    forEach<n>(action);
+    detail::forEach<n>(action);
     return static_cast<Self&>(*this);
   }
 };
 
-} // namespace qvLinear::detail
+} // namespace qvLinear::base

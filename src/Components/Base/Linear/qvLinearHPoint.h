@@ -6,7 +6,7 @@
 namespace qvLinear {
 
 /// A rational point: the true coordinates x, y, z, and a weight w. As `Point`, but for what is told here.
-class RPoint : public detail::Coordinates<RPoint, double, 4> {
+class RPoint : public base::Coordinates<RPoint, double, 4> {
 public:
   RPoint() = default;
   constexpr RPoint(double x, double y, double z, double w) noexcept : Coordinates(x, y, z, w) {}
@@ -34,7 +34,7 @@ private:
 };
 
 /// A homogeneous point: x, y, z are already multiplied by the weight w. Arithmetic is on all four numbers.
-class HPoint : public detail::Arithmetic<HPoint, double, 4> {
+class HPoint : public base::Arithmetic<HPoint, double, 4> {
 public:
   HPoint() = default;
   constexpr HPoint(double x, double y, double z, double w) noexcept : Arithmetic(x, y, z, w) {}

@@ -5,7 +5,7 @@
 
 namespace qvLinear {
 
-namespace detail {
+namespace base {
 
 /// The base of a class of positions: an `Offset`, the vector of the same numbers, moves one and tells two
 /// apart.
@@ -32,12 +32,12 @@ private:
   }
 };
 
-} // namespace detail
+} // namespace base
 
 /// A position in space. Two positions have a difference and a distance, and no sum. The base gives `set`,
 /// `get`,
 /// `[]`, pointers, comparison, and how vectors move a point.
-class Point : public detail::Position<Point, Vector, double, 3> {
+class Point : public base::Position<Point, Vector, double, 3> {
 public:
   QV_BASE_API static const Point origin;
 
@@ -63,7 +63,7 @@ public:
 };
 
 /// A position in the plane. As `Point`, but for what is told here.
-class Point2 : public detail::Position<Point2, Vector2, double, 2> {
+class Point2 : public base::Position<Point2, Vector2, double, 2> {
 public:
   QV_BASE_API static const Point2 origin;
 
@@ -84,7 +84,7 @@ public:
 };
 
 /// `Point` in narrow numbers. What it is given may be wider and is narrowed.
-class PointFlt : public detail::Position<PointFlt, VectorFlt, float, 3> {
+class PointFlt : public base::Position<PointFlt, VectorFlt, float, 3> {
 public:
   QV_BASE_API static const PointFlt origin;
 
@@ -105,7 +105,7 @@ public:
 };
 
 /// `Point2` in narrow numbers. What it is given may be wider and is narrowed.
-class Point2Flt : public detail::Position<Point2Flt, Vector2Flt, float, 2> {
+class Point2Flt : public base::Position<Point2Flt, Vector2Flt, float, 2> {
 public:
   QV_BASE_API static const Point2Flt origin;
 

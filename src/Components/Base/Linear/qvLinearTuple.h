@@ -6,7 +6,7 @@
 
 namespace qvLinear {
 
-namespace detail {
+namespace base {
 
 /// The base of the tuples: they also multiply and divide number by number, and their numbers are written by
 /// place.
@@ -33,10 +33,10 @@ protected:
   using Arithmetic<Self, double, n>::Arithmetic;
 };
 
-} // namespace detail
+} // namespace base
 
 /// Two bare numbers: all arithmetic is number by number.
-class Tuple2 : public detail::Tuple<Tuple2, 2> {
+class Tuple2 : public base::Tuple<Tuple2, 2> {
 public:
   QV_BASE_API static const Tuple2 zero;
 
@@ -47,7 +47,7 @@ public:
 };
 
 /// Three bare numbers.
-class Tuple3 : public detail::Tuple<Tuple3, 3> {
+class Tuple3 : public base::Tuple<Tuple3, 3> {
 public:
   QV_BASE_API static const Tuple3 zero;
 
@@ -59,7 +59,7 @@ public:
 };
 
 /// Four bare numbers.
-class Tuple4 : public detail::Tuple<Tuple4, 4> {
+class Tuple4 : public base::Tuple<Tuple4, 4> {
 public:
   QV_BASE_API static const Tuple4 zero;
 

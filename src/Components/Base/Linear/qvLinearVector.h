@@ -11,7 +11,7 @@ namespace qvLinear {
 
 /// A direction or an offset in space, of any length. The base gives `set`, `get`, `[]`, pointers, comparison,
 /// sums and products.
-class Vector : public detail::Arithmetic<Vector, double, 3> {
+class Vector : public base::Arithmetic<Vector, double, 3> {
 public:
   QV_BASE_API static const Vector x;
   QV_BASE_API static const Vector y;
@@ -46,7 +46,7 @@ public:
 };
 
 /// A direction or an offset in the plane. As `Vector`, but for what is told here.
-class Vector2 : public detail::Arithmetic<Vector2, double, 2> {
+class Vector2 : public base::Arithmetic<Vector2, double, 2> {
 public:
   QV_BASE_API static const Vector2 x;
   QV_BASE_API static const Vector2 y;
@@ -80,7 +80,7 @@ public:
 };
 
 /// `Vector` in narrow numbers. Its products, sums and scalars are narrow too.
-class VectorFlt : public detail::Arithmetic<VectorFlt, float, 3> {
+class VectorFlt : public base::Arithmetic<VectorFlt, float, 3> {
 public:
   QV_BASE_API static const VectorFlt x;
   QV_BASE_API static const VectorFlt y;
@@ -111,7 +111,7 @@ public:
 };
 
 /// `Vector2` in narrow numbers.
-class Vector2Flt : public detail::Arithmetic<Vector2Flt, float, 2> {
+class Vector2Flt : public base::Arithmetic<Vector2Flt, float, 2> {
 public:
   QV_BASE_API static const Vector2Flt x;
   QV_BASE_API static const Vector2Flt y;

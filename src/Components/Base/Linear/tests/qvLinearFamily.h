@@ -1,0 +1,38 @@
+// The whole family of values, for tests that walk over its classes.
+#pragma once
+
+#include "Base/Linear/qvLinearCombine.h"
+#include "Base/Linear/qvLinearDirection.h"
+#include "Base/Linear/qvLinearDistance.h"
+#include "Base/Linear/qvLinearHPoint.h"
+#include "Base/Linear/qvLinearScalar.h"
+#include "Base/Linear/qvLinearTuple.h"
+
+#include <string>
+
+namespace qvTest {
+
+using namespace qvLinear;
+
+template <class... Classes>
+struct ClassList {
+  /// A sign for every class.
+  template <class Sign>
+  static std::string signs(Sign sign) {
+    return {sign(static_cast<Classes*>(nullptr))...};
+  }
+};
+
+using Family = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, Normal,
+                         RPoint, HPoint, Tuple2, Tuple3, Tuple4>;
+
+/// The value of class `T` with the first of these numbers; a normal is of any length.
+template <class T>
+T make(const double (&numbers)[4]) {
+  if constexpr (std::same_as<T, Normal>)
+    return Normal(Promise(), numbers);
+  else
+    return detail::build<T>([&](int i) { return static_cast<typename T::Number>(numbers[i]); });
+}
+
+} // namespace qvTest
