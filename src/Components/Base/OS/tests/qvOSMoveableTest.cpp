@@ -377,7 +377,7 @@ private:
 
 TEST(Moveable, StaysWellFormedUnderAnyOperations) {
   qvTest::Random random(20120404);
-  const int steps = qvTest::isSanitized ? 4000 : 40000;
+  const int steps = qvTest::isSanitized ? 4000 : 20000;
   Model model(random);
   for (int i = 0; i < steps && !HasFailure(); ++i) {
     model.step();
