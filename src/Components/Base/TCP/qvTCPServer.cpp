@@ -23,6 +23,7 @@ using qvUtil::Interval;
 namespace {
 
 constexpr int chosenBySystem = -1;
+constexpr int portInUse = 3;
 
 class ServerImpl final : public qv::ImplBase {
 public:
@@ -128,17 +129,25 @@ Server::~Server() = default;
 void Server::setLoopbackOnly(bool loopbackOnly) { impl_.as<ServerImpl>().loopbackOnly = loopbackOnly; }
 
 Error Server::isBindError(int result) {
-  return systemError(qvPlatform::isAddressInUse(result) ? 3 : 1, result, "bind() failed: %s");
+  return systemError(qvPlatform::isAddressInUse(result) ? portInUse : 1, result, "bind() failed: %s");
 }
 
+// A port that the system chose for IPv6 may be in use over IPv4, by a connection that is closing, say. Then
+// another one does.
 Error Server::listen() {
   auto& impl = impl_.as<ServerImpl>();
-  impl.stop(impl.ipv4Socket);
-  impl.stop(impl.ipv6Socket);
-  impl.ipv4Socket = std::make_unique<ListeningSocket>();
-  impl.ipv6Socket = std::make_unique<ListeningSocket>();
+  const bool autoPort = impl.port == chosenBySystem;
   Error error;
-  listenIpv6And4(error);
+  for (int attempts = 8; attempts > 0; --attempts) {
+    impl.stop(impl.ipv4Socket);
+    impl.stop(impl.ipv6Socket);
+    impl.ipv4Socket = std::make_unique<ListeningSocket>();
+    impl.ipv6Socket = std::make_unique<ListeningSocket>();
+    if (autoPort) impl.port = chosenBySystem;
+    error = Error();
+    listenIpv6And4(error);
+    if (!autoPort || error.num() != portInUse) break;
+  }
   return error;
 }
 

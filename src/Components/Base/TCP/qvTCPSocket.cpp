@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 namespace qvTCP {
 
@@ -134,11 +135,11 @@ Error Socket::write(const IString& text) { return write(CString(text.asUTF8()));
 Error Socket::read(CString& text) {
   unsigned char head[2];
   if (const Error error = read(head, sizeof head, nullptr)) return error;
-  const unsigned int length = head[0] << 8 | head[1];
-  const auto buffer = std::make_unique<char[]>(length + 1);
+  const unsigned int length = 256u * head[0] + head[1];
+  CString received(length, '\0');
   if (length)
-    if (const Error error = read(buffer.get(), length, nullptr)) return error;
-  text = CString(buffer.get(), static_cast<int>(length));
+    if (const Error error = read(&received[0], length, nullptr)) return error;
+  text = std::move(received);
   return Error();
 }
 
