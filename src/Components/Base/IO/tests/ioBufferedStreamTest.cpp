@@ -35,15 +35,6 @@ struct TextInput : ioBufferedStreamInput {
 
 // ---- Chains --------------------------------------------------------------------------------------------
 
-/// One letter for each filter, in the order in which they are pushed.
-void push(ioBufferedStream& stream, const std::string& filters) {
-  for (const char filter : filters) {
-    if (filter == 'c') stream.compress(true);
-    if (filter == 's') stream.checksum(true);
-    if (filter == 'e') stream.encrypt(true);
-  }
-}
-
 /// Every order of up to `most` filters.
 std::vector<std::string> allChains(std::size_t most) {
   std::vector<std::string> chains = {""};

@@ -90,6 +90,15 @@ inline std::string mixed(qvTest::Random& random, std::size_t size, int letters, 
   return data;
 }
 
+/// One letter for each filter, in the order in which they are pushed.
+inline void push(ioBufferedStream& stream, const std::string& filters) {
+  for (const char filter : filters) {
+    if (filter == 'c') stream.compress(true);
+    if (filter == 's') stream.checksum(true);
+    if (filter == 'e') stream.encrypt(true);
+  }
+}
+
 /// A host with a key, which is the byte `byte` 32 times.
 class WithKey : public testing::Test {
 protected:
