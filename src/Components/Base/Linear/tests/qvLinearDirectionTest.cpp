@@ -1,7 +1,5 @@
 #include "qvLinearFamily.h"
 
-#include <gtest/gtest.h>
-
 using namespace qvTest;
 
 namespace {

@@ -8,7 +8,10 @@
 #include "Base/Linear/qvLinearScalar.h"
 #include "Base/Linear/qvLinearTuple.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
+#include <typeinfo>
 
 namespace qvTest {
 
@@ -21,10 +24,23 @@ struct ClassList {
   static std::string signs(Sign sign) {
     return {sign(static_cast<Classes*>(nullptr))...};
   }
+  /// Tests every class in turn.
+  template <class Test>
+  static void each(Test test) {
+    const auto one = [&]<class T>(T* none) {
+      SCOPED_TRACE(typeid(T).name());
+      test(none);
+    };
+    (one(static_cast<Classes*>(nullptr)), ...);
+  }
 };
 
 using Family = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, Normal,
                          RPoint, HPoint, Tuple2, Tuple3, Tuple4>;
+using Added = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, HPoint, Tuple2, Tuple3, Tuple4>;
+using Positions = ClassList<Point, Point2, PointFlt, Point2Flt>;
+using Combined =
+    ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, HPoint>;
 
 /// The value of class `T` with the first of these numbers; a normal is of any length.
 template <class T>
@@ -33,6 +49,12 @@ T make(const double (&numbers)[4]) {
     return Normal(Promise(), numbers);
   else
     return detail::build<T>([&](int i) { return static_cast<typename T::Number>(numbers[i]); });
+}
+
+/// Expects that number `i` of `value` is `number(i)`.
+template <class V, class Function>
+void expectNumbers(const V& value, Function number) {
+  for (int i = 0; i < V::size; ++i) EXPECT_EQ(value[i], static_cast<typename V::Number>(number(i))) << i;
 }
 
 } // namespace qvTest
