@@ -183,7 +183,8 @@ TEST(LinearVectors, OrthogonalVectors) {
   EXPECT_EQ(Vector2Flt(2, 3).orthogonalVector(), Vector2Flt(-3, 2));
   EXPECT_EQ(Vector::zero.orthogonalVector(), Vector::zero);
   EXPECT_EQ(Vector(1, 2, 3).orthogonalVector(), cross(Vector(-3, 1, 2), Vector(1, 2, 3)));
-  EXPECT_EQ(Vector(1, -2, 3).orthogonalVector(), cross(Vector(3, 1, -2), Vector(1, -2, 3)));
+  EXPECT_EQ(Vector(1, 2, -3).orthogonalVector(), cross(Vector(-3, 1, 2), Vector(1, 2, -3)));
+  EXPECT_EQ(Vector(-1, 2, 3).orthogonalVector(), cross(Vector(3, -1, 2), Vector(-1, 2, 3)));
   EXPECT_EQ(Normal(Promise(), 1, 2, 3).orthogonalVector(), Vector(1, 2, 3).orthogonalVector());
   EXPECT_EQ(VectorFlt(1, 2, 3).orthogonalVector(), VectorFlt(Vector(1, 2, 3).orthogonalVector()));
   EXPECT_EQ(Vector(1, 2, 3).reverse(), Vector(-1, -2, -3));
