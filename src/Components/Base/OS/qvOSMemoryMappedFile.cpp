@@ -41,7 +41,7 @@ public:
 
   IString filename;
   std::int64_t size = 0;
-  qvPlatform::MapFile handles; // of the file, then of the mapping
+  qvPlatform::MapFile handles;
 };
 
 } // namespace

@@ -11,17 +11,17 @@ inline constexpr std::intptr_t noMapHandle = -1;
 /// An open file that backs memory. Nobody else opens it meanwhile, no started program inherits it, and it is
 /// never one of the three standard streams. Where the system has one handle for both, the two are equal.
 struct MapFile {
-  std::intptr_t file = noMapHandle;
-  std::intptr_t mapping = noMapHandle;
+  std::intptr_t fileHandle = noMapHandle;
+  std::intptr_t mappingHandle = noMapHandle;
 };
 
 /// Makes a file of exactly `size` zero bytes in place of whatever had that name, for its owner only where
 /// files have permission bits, with all its blocks reserved, so that writing to a window never finds the disk
 /// full [open] [lock] [stat] [unlink] [seek] [truncate] [reserve] [mapping]. With `deleteOnClose` the name is
 /// gone at once where the system allows that, else with the last handle or with this process. A file that
-/// such a handle holds already, of this process too, is refused and keeps its bytes. `invalid` for a size of
-/// 0 or one that no file has. A failure later than that may leave a file of no bytes, unless it is to be
-/// deleted.
+/// such a handle holds already, of this process too, and what is no ordinary file are refused and stay as
+/// they are; so does a link, where it is to be deleted. `invalid` for a size of 0 or one that no file has.
+/// Any other failure may leave a file of no bytes.
 [[nodiscard]] int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose,
                                 MapFile* made) noexcept;
 /// Closes what is open, the mapping first, and resets both handles [close]. Windows stay mapped.

@@ -19,6 +19,7 @@
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -141,6 +142,21 @@ TEST(FileMappingPosix, OtherProcessesAreRefused) {
             0);
   EXPECT_EQ(scratch.read("f"), "0123456789");
   window.unmap();
+}
+
+TEST(FileMappingPosix, LinksAndDevicesStay) {
+  namespace fs = std::filesystem;
+  const qvTest::Scratch scratch;
+  scratch.write("target", "kept");
+  fs::create_symlink("target", scratch.path("link"));
+  ASSERT_EQ(mkfifo(scratch.path("pipe").c_str(), 0600), 0);
+  MemoryMappedFile file;
+  EXPECT_FALSE(file.createFile(scratch.name("link"), 5, true));
+  EXPECT_FALSE(file.createFile(scratch.name("pipe"), 5, true));
+  EXPECT_EQ(scratch.read("link"), "kept");
+  EXPECT_TRUE(fs::is_symlink(scratch.path("link")) && fs::is_fifo(scratch.path("pipe")));
+  EXPECT_TRUE(file.createFile(scratch.name("link"), 5, false));
+  EXPECT_EQ(fs::file_size(scratch.path("target")), 5u);
 }
 
 using Mapping = qv::Reference<qvOS::MoveableMapping>;

@@ -17,18 +17,18 @@ namespace qvPlatform {
 
 namespace {
 
-/// What a file gives that somebody else has.
-constexpr int taken = EWOULDBLOCK;
+/// The answer for what somebody else has, or what is no ordinary file.
+constexpr int untouchable = EWOULDBLOCK;
 
-/// Locks the file, and makes sure that the name did not go to another one before the lock was there.
-int claim(const char* path, FileHandle file) {
-  if (const int error = retryCall("lock", [&] { return ::flock(descriptorOf(file), LOCK_EX | LOCK_NB); }))
-    return error;
+/// Locks the file. It is ours only if the name still leads to it with the lock there; a link is not what is
+/// to be deleted. @return 0, `untouchable`, or why a file that is ours could not be locked.
+int claim(const char* path, FileHandle file, bool deleteOnClose) {
+  const int error = retryCall("lock", [&] { return ::flock(descriptorOf(file), LOCK_EX | LOCK_NB); });
   FileInfo opened, named;
-  if (const int error = queryHandle(file, &opened)) return error;
-  const int error = queryFile(path, &named);
-  if (isNotFound(error)) return taken;
-  return error || opened.isSameFile(named) ? error : taken;
+  const bool known =
+      !queryHandle(file, &opened) && !(deleteOnClose ? queryLink(path, &named) : queryFile(path, &named));
+  const bool ours = known && opened.kind == FileKind::file && opened.isSameFile(named);
+  return ours ? error : untouchable;
 }
 
 /// Gives the file this size and all its blocks, or no bytes at all.
@@ -48,8 +48,8 @@ int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose, MapF
   if (size == 0 || size > std::numeric_limits<off_t>::max()) return EINVAL;
   FileHandle file = noFile;
   if (const int error = openFile(path, openRead | openWrite | openCreate | openPrivate, &file)) return error;
-  int error = claim(path, file);
-  if (deleteOnClose && error != taken) {
+  int error = claim(path, file, deleteOnClose);
+  if (deleteOnClose && error != untouchable) {
     const int failed = deleteFile(path);
     if (!error) error = failed;
   }
@@ -63,13 +63,14 @@ int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose, MapF
 
 void closeMapFile(MapFile* file) noexcept {
   const MapFile closed = std::exchange(*file, MapFile());
-  if (closed.file != noMapHandle) closeFile(closed.file);
+  if (closed.fileHandle != noMapHandle) closeFile(closed.fileHandle);
 }
 
 int mapWindow(const MapFile& file, std::int64_t offset, std::uint64_t size, void** address) noexcept {
   void* mapped = nullptr;
   const int error = retryCall("map", [&] {
-    mapped = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptorOf(file.mapping), offset);
+    mapped =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptorOf(file.mappingHandle), offset);
     return mapped == MAP_FAILED ? -1 : 0;
   });
   if (!error) *address = mapped;

@@ -62,14 +62,14 @@ int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose, MapF
 
 void closeMapFile(MapFile* file) noexcept {
   const MapFile closed = std::exchange(*file, MapFile());
-  closeSystemHandle(closed.mapping);
-  closeSystemHandle(closed.file);
+  closeSystemHandle(closed.mappingHandle);
+  closeSystemHandle(closed.fileHandle);
 }
 
 int mapWindow(const MapFile& file, std::int64_t offset, std::uint64_t size, void** address) noexcept {
   const auto from = static_cast<std::uint64_t>(offset);
   return systemCall("map", [&] {
-    void* const mapped = ::MapViewOfFile(systemHandle(file.mapping), FILE_MAP_READ | FILE_MAP_WRITE,
+    void* const mapped = ::MapViewOfFile(systemHandle(file.mappingHandle), FILE_MAP_READ | FILE_MAP_WRITE,
                                          high(from), low(from), size);
     if (mapped) *address = mapped;
     return mapped != nullptr;
