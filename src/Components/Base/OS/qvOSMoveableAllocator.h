@@ -17,6 +17,7 @@ class MoveableMemory;
 /// handle that owns nothing, good while the first one lives. Threads as for `MoveableMemory`.
 class MoveableAllocator {
 public:
+  /// Draws on `memory`, and on this very handle of it, which outlives the allocator.
   QV_BASE_API explicit MoveableAllocator(MoveableMemory& memory);
 
   /// A block of at least `size` bytes, which the caller deletes; one of more than 256 KiB has a mapping to

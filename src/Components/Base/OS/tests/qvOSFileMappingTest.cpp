@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <regex>
 #include <set>
 
 namespace {
@@ -189,24 +190,12 @@ TEST(FileMapping, EveryCallMayFail) {
 
 TEST(Uuid, IsNewEachTime) {
   EXPECT_STREQ(Uuid().asString().asChar(), "00000000-0000-0000-0000-000000000000");
+  const std::regex form("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
   std::set<Uuid> made;
-  std::array<unsigned, 16> ones{}, zeros{};
   for (int i = 0; i < 1000; ++i) {
     const Uuid uuid = Uuid::generate();
     EXPECT_TRUE(made.insert(uuid).second);
-    for (std::size_t byte = 0; byte < 16; ++byte) {
-      ones[byte] |= uuid.bytes()[byte];
-      zeros[byte] |= 0xFFu & ~uuid.bytes()[byte];
-    }
-    const std::string text = uuid.asString().asChar();
-    EXPECT_EQ(text.size(), 36u);
-    EXPECT_EQ(text[14], '4') << text;
-    EXPECT_TRUE(std::strchr("89ab", text[19])) << text;
-    EXPECT_TRUE(text[8] == '-' && text[13] == '-' && text[18] == '-' && text[23] == '-') << text;
-  }
-  for (std::size_t byte = 0; byte < 16; ++byte) { // every other bit is random
-    EXPECT_EQ(ones[byte], byte == 6 ? 0x4Fu : byte == 8 ? 0xBFu : 0xFFu);
-    EXPECT_EQ(zeros[byte], byte == 6 ? 0xBFu : byte == 8 ? 0x7Fu : 0xFFu);
+    EXPECT_TRUE(std::regex_match(uuid.asString().asChar(), form)) << uuid.asString().asChar();
   }
 }
 

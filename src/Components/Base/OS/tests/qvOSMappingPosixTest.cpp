@@ -1,5 +1,5 @@
-// What of mapped files only these systems let a test see: which bytes are asked of the system, which pages
-// are touched, who else locks a file; and limits that a child of the test gives itself.
+// What of mapped files only these systems let a test see: which bytes are asked of the system and which pages
+// are touched; and limits that a child of the test gives itself.
 #include "Base/OS/qvOSMemoryMappedFile.h"
 #include "Base/OS/qvOSMoveableMemory.h"
 #include "Base/OS/tests/qvOSTestName.h"
@@ -126,21 +126,6 @@ TEST(FileMappingPosix, LoadTouchesOnePageAfterAnother) {
     sigaction(SIGSEGV, &before, nullptr);
     EXPECT_EQ(touched, expected) << row.line;
   }
-  window.unmap();
-}
-
-TEST(FileMappingPosix, OtherProcessesAreRefused) {
-  const qvTest::Scratch scratch;
-  MemoryMappedFile file;
-  ASSERT_TRUE(file.createFile(scratch.name("f"), 10, false));
-  FileMapping window = file.map(0, 10);
-  std::memcpy(window.getPtr(), "0123456789", 10);
-  EXPECT_EQ(qvTest::inChild([&] {
-              MemoryMappedFile second;
-              EXPECT_FALSE(second.createFile(scratch.name("f"), 5, true));
-            }),
-            0);
-  EXPECT_EQ(scratch.read("f"), "0123456789");
   window.unmap();
 }
 
