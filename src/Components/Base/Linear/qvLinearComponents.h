@@ -45,10 +45,13 @@ template <class V>
 template <class V>
 [[nodiscard]] inline bool normalizeOrClear(V& v, typename V::Number squaredTolerance) noexcept {
   const double squared = v.length2();
-  const bool works = squared > squaredTolerance;
+  if (!(squared > squaredTolerance)) {
+    v = build<V>([](int) { return 0; });
+    return false;
+  }
   const double factor = 1 / std::sqrt(squared);
-  v = build<V>([&](int i) { return works ? v[i] * factor : 0; });
-  return works;
+  v = build<V>([&](int i) { return v[i] * factor; });
+  return true;
 }
 
 template <class V>
