@@ -1,0 +1,268 @@
+// A rigid or affine transform of space. Points are rows and stand on the left: `p * A * B` applies A first.
+// With the rows m0, m1, m2 and the translation t, a point p goes to p.x * m0 + p.y * m1 + p.z * m2 + t, and a
+// vector to the same without t: the fourth column, which is not stored, is (0, 0, 0, 1).
+#pragma once
+
+#include "Base/Linear/qvLinearForward.h"
+#include "Base/Linear/qvLinearHPoint.h"
+#include "Base/Linear/qvLinearMatrixKernel.h"
+#include "Base/Linear/qvLinearPoint.h"
+#include "Base/Linear/qvLinearVector.h"
+#include "Base/qvBase.h"
+
+#include <cstddef>
+#include <iosfwd>
+#include <type_traits>
+
+namespace qvLinear {
+
+/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians.
+///
+/// What builds a transform (`translate`, `scale`, the `rotate` forms, `mirror`) puts it in front of what the
+/// matrix holds, so that it acts on a point first.
+class AffineMatrix {
+public:
+  static QV_BASE_API const AffineMatrix Identity;
+
+  /// Leaves the numbers as they are.
+  AffineMatrix() = default;
+  /// `value` on the diagonal of the linear part; all else, the translation too, is 0.
+  explicit constexpr AffineMatrix(double value) noexcept : m_(detail::diagonal<3, 12>(value)) {}
+  /// All twelve, in storage order.
+  explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept : m_(All::at(numbers)) {}
+  inline AffineMatrix(const AffineMatrixFlt& narrow) noexcept;
+  /// The affine part of `matrix`, without a look at `isAffine`: its fourth column is left out.
+  inline AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept;
+
+  /// @{ All twelve numbers, in storage order.
+  void set(detail::PointerTo<double> auto numbers) noexcept { m_ = All::at(numbers); }
+  void get(std::same_as<double*> auto numbers) const noexcept { m_.storeAt(numbers); }
+  template <std::same_as<double> T>
+  operator const T*() const noexcept {
+    return m_.n;
+  }
+  /// @}
+  /// @{ The three numbers of a row, of which row 3 is the translation. Unchecked.
+  [[nodiscard]] double* operator[](int row) noexcept { return m_.n + 3 * row; }
+  [[nodiscard]] const double* operator[](int row) const noexcept { return m_.n + 3 * row; }
+  /// @}
+
+  AffineMatrix& identity() noexcept { return *this = AffineMatrix(1.0); }
+  AffineMatrix& zero() noexcept { return *this = AffineMatrix(0.0); }
+  /// Row i of the linear part becomes a[i] times `b`, the translation 0.
+  inline AffineMatrix& outerProduct(const Vector& a, const Vector& b) noexcept;
+  /// The linear part becomes the skew-symmetric matrix with the rows (0, -z, y), (z, 0, -x), (-y, x, 0) of `v`,
+  /// the translation 0.
+  inline AffineMatrix& crossMatrix(const Vector& v) noexcept;
+
+  inline AffineMatrix& translate(double x, double y, double z) noexcept;
+  AffineMatrix& translate(const Vector& by) noexcept { return translate(by[0], by[1], by[2]); }
+  inline AffineMatrix& scale(double x, double y, double z) noexcept;
+  AffineMatrix& scale(double factor) noexcept { return scale(factor, factor, factor); }
+  /// @{ About an axis of the coordinates; seen from its tip, a positive angle turns counter-clockwise.
+  QV_BASE_API AffineMatrix& rotateX(double angle) noexcept;
+  QV_BASE_API AffineMatrix& rotateY(double angle) noexcept;
+  QV_BASE_API AffineMatrix& rotateZ(double angle) noexcept;
+  /// @}
+  /// About `axis` through the origin. One that is not valid turns nothing.
+  QV_BASE_API AffineMatrix& rotate(double angle, const Normal& axis) noexcept;
+  /// About `axis`.
+  QV_BASE_API AffineMatrix& rotate(double angle, const Line& axis) noexcept;
+  /// By the smallest angle that takes `from` to `to`; where they are opposite, by half a turn about some axis
+  /// perpendicular to them. Not valid ones turn nothing.
+  /// Method: Moeller and Hughes, "Efficiently Building a Matrix to Rotate One Vector to Another", 1999.
+  QV_BASE_API AffineMatrix& rotate(const Normal& from, const Normal& to) noexcept;
+  /// By reflection in `plane`; nothing where its normal is not valid.
+  QV_BASE_API AffineMatrix& mirror(const Plane& plane) noexcept;
+
+  /// Transposes the linear part. The translation is lost: it becomes 0.
+  inline AffineMatrix& transpose() noexcept;
+  /// Of the linear part.
+  [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<3>(m_.n); }
+  /// Of the whole matrix with its fourth column, which is the same.
+  [[nodiscard]] constexpr double det4x4() const noexcept { return det3x3(); }
+
+  /// Makes the matrix its inverse, by Gauss-Jordan elimination with partial pivoting.
+  /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
+  QV_BASE_API bool invert() noexcept;
+  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is below
+  /// `epsilonTol`. A scale by 1e-5 can be inverted by `invert` alone.
+  bool invertFast() noexcept { return detail::invertAffineFast(m_.n); }
+  /// The inverse as `invert` makes it; this matrix itself where that fails.
+  [[nodiscard]] QV_BASE_API AffineMatrix inverse() const noexcept;
+  /// Whether the determinant is not below `epsilonTol`: what `invertFast` asks.
+  [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det3x3()); }
+
+  /// out = m * this; any of them may be the same.
+  void preMult(AffineMatrix& out, const AffineMatrix& m) const noexcept {
+    detail::multiplyAffine<3>(out.m_.n, m.m_.n, m_.n);
+  }
+  /// this = m * this.
+  void preMult(const AffineMatrix& m) noexcept { preMult(*this, m); }
+
+  /// @{ Transforms `in` into `out`. Does nothing at all where both are the same object: use a separate `out`.
+  inline void preMult(Point& out, const Point& in) const noexcept;
+  inline void preMult(Vector& out, const Vector& in) const noexcept;
+  /// @}
+  /// The weight stays. `out` may be `in`, here and in the forms below.
+  inline void preMult(HPoint& out, const HPoint& in) const noexcept;
+  /// The direction goes as a vector and is normalised again.
+  QV_BASE_API void preMult(Line& out, const Line& in) const noexcept;
+  QV_BASE_API void preMult(ParamLine& out, const ParamLine& in) const noexcept;
+  /// The normal goes by `normalMatrix`, so it keeps its side under a mirror, and is normalised again.
+  QV_BASE_API void preMult(Plane& out, const Plane& in) const noexcept;
+  QV_BASE_API void preMult(ParamPlane& out, const ParamPlane& in) const noexcept;
+  /// The bounds of the eight transformed corners. An empty range stays empty.
+  QV_BASE_API void preMult(Range3d& out, const Range3d& in) const noexcept;
+
+  /// @{ Transforms `count` values at `in` into those at `out`. Unlike the single forms these work in place:
+  /// `out` may be `in`, but may not overlap it otherwise.
+  QV_BASE_API void preMult(Point* out, const Point* in, std::size_t count) const noexcept;
+  QV_BASE_API void preMult(Vector* out, const Vector* in, std::size_t count) const noexcept;
+  QV_BASE_API void preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept;
+  /// @}
+
+  /// this = this * m.
+  AffineMatrix& operator*=(const AffineMatrix& m) noexcept {
+    detail::multiplyAffine<3>(m_.n, m_.n, m.m_.n);
+    return *this;
+  }
+  /// @{ Number by number, on all twelve.
+  AffineMatrix& operator+=(const AffineMatrix& m) noexcept {
+    m_ = m_ + m.m_;
+    return *this;
+  }
+  AffineMatrix& operator-=(const AffineMatrix& m) noexcept {
+    m_ = m_ - m.m_;
+    return *this;
+  }
+  AffineMatrix& operator*=(double factor) noexcept {
+    m_ = factor * m_;
+    return *this;
+  }
+  /// @}
+  /// Exact, without a tolerance.
+  [[nodiscard]] friend bool operator==(const AffineMatrix& a, const AffineMatrix& b) noexcept {
+    return a.m_ == b.m_;
+  }
+  /// Whether all twelve numbers differ by strictly less than `tolerance`.
+  [[nodiscard]] friend bool equivalent(const AffineMatrix& a, const AffineMatrix& b, double tolerance) noexcept {
+    return allWithin(a.m_, b.m_, tolerance);
+  }
+
+  /// @{ The translation as `origin`, and the three rows.
+  inline void getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept;
+  inline void setFrame(const Point& origin, const Vector& x, const Vector& y, const Vector& z) noexcept;
+  [[nodiscard]] Vector getTranslate() const noexcept { return Vector((*this)[3]); }
+  /// @}
+
+  /// What transforms directions: the transposed inverse. Where there is none, `ok` is false and the result is a
+  /// copy of this matrix.
+  [[nodiscard]] QV_BASE_API AffineMatrix vectorMatrix(bool& ok) const noexcept;
+  /// What transforms surface normals: as `vectorMatrix`, and, where this matrix mirrors, times -1, so that the
+  /// mirror does not turn them inwards.
+  [[nodiscard]] QV_BASE_API AffineMatrix normalMatrix(bool& ok) const noexcept;
+
+private:
+  using All = detail::Numbers<double, 12>;
+  using Row = detail::Numbers<double, 3>;
+
+  All m_;
+};
+
+static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineMatrix> &&
+              std::is_standard_layout_v<AffineMatrix> && std::is_trivially_default_constructible_v<AffineMatrix>);
+
+[[nodiscard]] inline AffineMatrix operator*(const AffineMatrix& a, const AffineMatrix& b) noexcept {
+  AffineMatrix product;
+  b.preMult(product, a);
+  return product;
+}
+[[nodiscard]] inline AffineMatrix operator+(AffineMatrix a, const AffineMatrix& b) noexcept { return a += b; }
+[[nodiscard]] inline AffineMatrix operator-(AffineMatrix a, const AffineMatrix& b) noexcept { return a -= b; }
+[[nodiscard]] inline AffineMatrix operator*(double factor, AffineMatrix m) noexcept { return m *= factor; }
+[[nodiscard]] inline AffineMatrix operator*(AffineMatrix m, double factor) noexcept { return m *= factor; }
+
+/// @{ The transformed value, by `preMult`.
+[[nodiscard]] inline Point operator*(const Point& p, const AffineMatrix& m) noexcept {
+  Point out;
+  m.preMult(out, p);
+  return out;
+}
+[[nodiscard]] inline Vector operator*(const Vector& v, const AffineMatrix& m) noexcept {
+  Vector out;
+  m.preMult(out, v);
+  return out;
+}
+[[nodiscard]] inline HPoint operator*(const HPoint& p, const AffineMatrix& m) noexcept {
+  HPoint out;
+  m.preMult(out, p);
+  return out;
+}
+[[nodiscard]] QV_BASE_API Line operator*(const Line& line, const AffineMatrix& m) noexcept;
+[[nodiscard]] QV_BASE_API ParamLine operator*(const ParamLine& line, const AffineMatrix& m) noexcept;
+[[nodiscard]] QV_BASE_API Plane operator*(const Plane& plane, const AffineMatrix& m) noexcept;
+[[nodiscard]] QV_BASE_API ParamPlane operator*(const ParamPlane& plane, const AffineMatrix& m) noexcept;
+[[nodiscard]] QV_BASE_API Range3d operator*(const Range3d& range, const AffineMatrix& m) noexcept;
+/// @}
+
+/// "AffineMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the numbers
+/// as the stream writes them.
+QV_BASE_API std::ostream& operator<<(std::ostream& out, const AffineMatrix& m);
+
+inline AffineMatrix& AffineMatrix::outerProduct(const Vector& a, const Vector& b) noexcept {
+  m_ = All::made([&](int i) { return i < 9 ? a[i / 3] * b[i % 3] : 0.0; });
+  return *this;
+}
+
+inline AffineMatrix& AffineMatrix::crossMatrix(const Vector& v) noexcept {
+  m_ = {{0.0, -v[2], v[1], v[2], 0.0, -v[0], -v[1], v[0], 0.0, 0.0, 0.0, 0.0}};
+  return *this;
+}
+
+inline AffineMatrix& AffineMatrix::translate(double x, double y, double z) noexcept {
+  const auto by = detail::weighted<3>(Row{{x, y, z}}, m_.n);
+  (Row::at((*this)[3]) + by).storeAt((*this)[3]);
+  return *this;
+}
+
+inline AffineMatrix& AffineMatrix::scale(double x, double y, double z) noexcept {
+  const double factors[] = {x, y, z, 1.0};
+  m_ = All::made([&](int i) { return i < 9 ? factors[i / 3] * m_.n[i] : m_.n[i]; });
+  return *this;
+}
+
+inline AffineMatrix& AffineMatrix::transpose() noexcept {
+  m_ = All::made([&](int i) { return i < 9 ? m_.n[i % 3 * 3 + i / 3] : 0.0; });
+  return *this;
+}
+
+inline void AffineMatrix::preMult(Point& out, const Point& in) const noexcept {
+  if (&out != &in) out = Point(detail::rowTimesAffine<3, double>(in, m_.n).n);
+}
+
+inline void AffineMatrix::preMult(Vector& out, const Vector& in) const noexcept {
+  if (&out != &in) out = Vector(detail::rowTimes<3, double>(in, m_.n).n);
+}
+
+inline void AffineMatrix::preMult(HPoint& out, const HPoint& in) const noexcept {
+  const Row moved = detail::homogeneousTimesAffine<double>(in, m_.n);
+  out = HPoint(moved.n[0], moved.n[1], moved.n[2], in[3]);
+}
+
+inline void AffineMatrix::getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept {
+  x = Vector((*this)[0]);
+  y = Vector((*this)[1]);
+  z = Vector((*this)[2]);
+  origin = Point((*this)[3]);
+}
+
+inline void AffineMatrix::setFrame(const Point& origin, const Vector& x, const Vector& y,
+                                   const Vector& z) noexcept {
+  x.get((*this)[0]);
+  y.get((*this)[1]);
+  z.get((*this)[2]);
+  origin.get((*this)[3]);
+}
+
+} // namespace qvLinear
