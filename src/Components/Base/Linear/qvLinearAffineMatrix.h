@@ -55,9 +55,15 @@ public:
   /// the translation 0.
   inline AffineMatrix& crossMatrix(const Vector& v) noexcept;
 
-  inline AffineMatrix& translate(double x, double y, double z) noexcept;
+  AffineMatrix& translate(double x, double y, double z) noexcept {
+    detail::translateFirst<3>(m_.n, x, y, z);
+    return *this;
+  }
   AffineMatrix& translate(const Vector& by) noexcept { return translate(by[0], by[1], by[2]); }
-  inline AffineMatrix& scale(double x, double y, double z) noexcept;
+  AffineMatrix& scale(double x, double y, double z) noexcept {
+    detail::scaleFirst<3>(m_.n, x, y, z);
+    return *this;
+  }
   AffineMatrix& scale(double factor) noexcept { return scale(factor, factor, factor); }
   /// @{ About an axis of the coordinates; seen from its tip, a positive angle turns counter-clockwise.
   QV_BASE_API AffineMatrix& rotateX(double angle) noexcept;
@@ -76,7 +82,10 @@ public:
   QV_BASE_API AffineMatrix& mirror(const Plane& plane) noexcept;
 
   /// Transposes the linear part. The translation is lost: it becomes 0.
-  inline AffineMatrix& transpose() noexcept;
+  AffineMatrix& transpose() noexcept {
+    m_ = detail::transposedAffine(m_);
+    return *this;
+  }
   /// Of the linear part.
   [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<3>(m_.n); }
   /// Of the whole matrix with its fourth column, which is the same.
@@ -145,10 +154,6 @@ public:
   [[nodiscard]] friend bool operator==(const AffineMatrix& a, const AffineMatrix& b) noexcept {
     return a.m_ == b.m_;
   }
-  /// Whether all twelve numbers differ by strictly less than `tolerance`.
-  [[nodiscard]] friend bool equivalent(const AffineMatrix& a, const AffineMatrix& b, double tolerance) noexcept {
-    return allWithin(a.m_, b.m_, tolerance);
-  }
 
   /// @{ The translation as `origin`, and the three rows.
   inline void getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept;
@@ -172,6 +177,11 @@ private:
 
 static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineMatrix> &&
               std::is_standard_layout_v<AffineMatrix> && std::is_trivially_default_constructible_v<AffineMatrix>);
+
+/// Whether all twelve numbers differ by strictly less than `tolerance`.
+[[nodiscard]] inline bool equivalent(const AffineMatrix& a, const AffineMatrix& b, double tolerance) noexcept {
+  return detail::allWithin<12, double>(a, b, tolerance);
+}
 
 [[nodiscard]] inline AffineMatrix operator*(const AffineMatrix& a, const AffineMatrix& b) noexcept {
   AffineMatrix product;
@@ -217,23 +227,6 @@ inline AffineMatrix& AffineMatrix::outerProduct(const Vector& a, const Vector& b
 
 inline AffineMatrix& AffineMatrix::crossMatrix(const Vector& v) noexcept {
   m_ = {{0.0, -v[2], v[1], v[2], 0.0, -v[0], -v[1], v[0], 0.0, 0.0, 0.0, 0.0}};
-  return *this;
-}
-
-inline AffineMatrix& AffineMatrix::translate(double x, double y, double z) noexcept {
-  const auto by = detail::weighted<3>(Row{{x, y, z}}, m_.n);
-  (Row::at((*this)[3]) + by).storeAt((*this)[3]);
-  return *this;
-}
-
-inline AffineMatrix& AffineMatrix::scale(double x, double y, double z) noexcept {
-  const double factors[] = {x, y, z, 1.0};
-  m_ = All::made([&](int i) { return i < 9 ? factors[i / 3] * m_.n[i] : m_.n[i]; });
-  return *this;
-}
-
-inline AffineMatrix& AffineMatrix::transpose() noexcept {
-  m_ = All::made([&](int i) { return i < 9 ? m_.n[i % 3 * 3 + i / 3] : 0.0; });
   return *this;
 }
 

@@ -69,6 +69,40 @@ template <int Width, int Count, class T>
       [value](int i) { return i / Width == i % Width ? value : T{0}; });
 }
 
+/// @{ What acts on a point before the matrix, whose rows have `Width` numbers, does.
+template <int Width, class T>
+constexpr void translateFirst(T* matrix, T x, T y, T z) noexcept {
+  T* const last = matrix + 3 * Width;
+  (Numbers<T, Width>::at(last) + weighted<Width>(Numbers<T, 3>{{x, y, z}}, matrix)).storeAt(last);
+}
+
+template <int Width, class T>
+constexpr void scaleFirst(T* matrix, T x, T y, T z) noexcept {
+  const T factors[] = {x, y, z};
+  Numbers<T, 3 * Width>::made([&](int i) { return factors[i / Width] * matrix[i]; }).storeAt(matrix);
+}
+/// @}
+
+/// The translation becomes 0.
+template <class T>
+[[nodiscard]] constexpr Numbers<T, 12> transposedAffine(const Numbers<T, 12>& m) noexcept {
+  return Numbers<T, 12>::made([&](int i) { return i < 9 ? m.n[i % 3 * 3 + i / 3] : T{0}; });
+}
+
+template <class T>
+[[nodiscard]] constexpr Numbers<T, 16> transposedProjective(const Numbers<T, 16>& m) noexcept {
+  return Numbers<T, 16>::made([&](int i) { return m.n[i % 4 * 4 + i / 4]; });
+}
+
+/// An affine matrix as a projective one, in numbers of type `T`.
+template <class T, class From>
+[[nodiscard]] constexpr Numbers<T, 16> withFourthColumn(const From* affine) noexcept {
+  return Numbers<T, 16>::made([affine](int i) {
+    if (i % 4 == 3) return i == 15 ? From{1} : From{0};
+    return affine[i / 4 * 3 + i % 4];
+  });
+}
+
 /// Of the first three rows and columns of rows of `Width` numbers.
 template <int Width, class T>
 [[nodiscard]] constexpr T determinant3(const T* matrix) noexcept {

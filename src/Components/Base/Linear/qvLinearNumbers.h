@@ -66,13 +66,11 @@ weighted(const Numbers<T, Count>& weights, const T* rows) noexcept {
   return sum;
 }
 
-/// Whether every number of `a` differs from that of `b` by strictly less than `tolerance`. Narrow numbers are
-/// subtracted wide.
-template <class T, int Count>
-[[nodiscard]] inline bool allWithin(const Numbers<T, Count>& a, const Numbers<T, Count>& b,
-                                    double tolerance) noexcept {
+/// Whether each of `Count` numbers differs by strictly less than `tolerance`. Narrow numbers are subtracted wide.
+template <int Count, class T>
+[[nodiscard]] inline bool allWithin(const T* a, const T* b, double tolerance) noexcept {
   bool same = true;
-  forEach<Count>([&](int i) { same &= std::fabs(double{a.n[i]} - double{b.n[i]}) < tolerance; });
+  forEach<Count>([&](std::size_t i) { same &= std::fabs(double{a[i]} - double{b[i]}) < tolerance; });
   return same;
 }
 

@@ -1,0 +1,94 @@
+#include "Base/Linear/qvLinearAffineMatrix.h"
+
+#include "Base/Linear/qvLinearElimination.h"
+#include "Base/Linear/qvLinearLine.h"
+#include "Base/Linear/qvLinearMatrixText.h"
+#include "Base/Linear/qvLinearPlane.h"
+#include "Base/Linear/qvLinearTransformArray.h"
+#include "Base/Linear/qvLinearTurn.h"
+
+namespace qvLinear {
+
+constinit const AffineMatrix AffineMatrix::Identity(1.0);
+
+AffineMatrix& AffineMatrix::rotateX(double angle) noexcept {
+  detail::turnFirst<3>(m_.n, 1, 2, angle);
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::rotateY(double angle) noexcept {
+  detail::turnFirst<3>(m_.n, 2, 0, angle);
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::rotateZ(double angle) noexcept {
+  detail::turnFirst<3>(m_.n, 0, 1, angle);
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::rotate(double angle, const Normal& axis) noexcept {
+  detail::applyFirst<3>(m_.n, detail::rotationAbout(angle, axis));
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::rotate(double angle, const Line& axis) noexcept {
+  detail::applyFirstAbout<3>(axis.origin(), m_.n, detail::rotationAbout(angle, axis.direction()));
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::rotate(const Normal& from, const Normal& to) noexcept {
+  detail::applyFirst<3>(m_.n, detail::rotationBetween(from, to));
+  return *this;
+}
+
+AffineMatrix& AffineMatrix::mirror(const Plane& plane) noexcept {
+  detail::applyFirstAbout<3>(plane.origin(), m_.n, detail::reflection(plane.normal()));
+  return *this;
+}
+
+bool AffineMatrix::invert() noexcept { return detail::invertAffineByElimination<3>(m_.n); }
+
+AffineMatrix AffineMatrix::inverse() const noexcept {
+  AffineMatrix copy = *this;
+  copy.invert();
+  return copy;
+}
+
+AffineMatrix AffineMatrix::vectorMatrix(bool& ok) const noexcept {
+  AffineMatrix copy = *this;
+  ok = copy.invert();
+  if (ok) copy.transpose();
+  return copy;
+}
+
+AffineMatrix AffineMatrix::normalMatrix(bool& ok) const noexcept {
+  AffineMatrix copy = vectorMatrix(ok);
+  if (ok && det3x3() < 0.0) copy *= AffineMatrix(-1.0);
+  return copy;
+}
+
+void AffineMatrix::preMult(Point* out, const Point* in, std::size_t count) const noexcept {
+  const All m = m_; // `out` cannot be a part of it
+  detail::transformArray(out, in, count,
+                         [&](const Point& p) { return detail::rowTimesAffine<3, double>(p, m.n); });
+}
+
+void AffineMatrix::preMult(Vector* out, const Vector* in, std::size_t count) const noexcept {
+  const All m = m_;
+  detail::transformArray(out, in, count,
+                         [&](const Vector& v) { return detail::rowTimes<3, double>(v, m.n); });
+}
+
+void AffineMatrix::preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept {
+  const All m = m_;
+  detail::transformArray(out, in, count, [&](const HPoint& p) {
+    const Row moved = detail::homogeneousTimesAffine<double>(p, m.n);
+    return detail::Numbers<double, 4>{{moved.n[0], moved.n[1], moved.n[2], p[3]}};
+  });
+}
+
+std::ostream& operator<<(std::ostream& out, const AffineMatrix& m) {
+  return detail::writeRows<3, double>(out, "AffineMatrix", m);
+}
+
+} // namespace qvLinear

@@ -1,0 +1,197 @@
+// A projective transform of space, such as a camera's. Points are rows and stand on the left: `p * A * B` applies A
+// first.
+#pragma once
+
+#include "Base/Linear/qvLinearAffineMatrixFlt.h"
+#include "Base/Linear/qvLinearTuple.h"
+
+namespace qvLinear {
+
+/// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of what
+/// the matrix holds, so that it acts on a point first.
+class ProjMatrix {
+public:
+  static QV_BASE_API const ProjMatrix Identity;
+
+  /// Leaves the numbers as they are.
+  ProjMatrix() = default;
+  /// `value` on the diagonal, all four; all else is 0.
+  explicit constexpr ProjMatrix(double value) noexcept : m_(detail::diagonal<4, 16>(value)) {}
+  /// All sixteen, in storage order.
+  explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept : m_(All::at(numbers)) {}
+  /// With the fourth column (0, 0, 0, 1).
+  ProjMatrix(const AffineMatrix& affine) noexcept : m_(detail::withFourthColumn<double, double>(affine)) {}
+  ProjMatrix(const AffineMatrixFlt& affine) noexcept : m_(detail::withFourthColumn<double, float>(affine)) {}
+  inline ProjMatrix(const ProjMatrixFlt& narrow) noexcept;
+
+  /// @{ All sixteen numbers, in storage order.
+  void set(detail::PointerTo<double> auto numbers) noexcept { m_ = All::at(numbers); }
+  void get(std::same_as<double*> auto numbers) const noexcept { m_.storeAt(numbers); }
+  template <std::same_as<double> T>
+  operator const T*() const noexcept {
+    return m_.n;
+  }
+  /// @}
+  /// @{ The four numbers of a row. Unchecked.
+  [[nodiscard]] double* operator[](int row) noexcept { return m_.n + 4 * row; }
+  [[nodiscard]] const double* operator[](int row) const noexcept { return m_.n + 4 * row; }
+  /// @}
+
+  ProjMatrix& identity() noexcept { return *this = ProjMatrix(1.0); }
+  ProjMatrix& zero() noexcept { return *this = ProjMatrix(0.0); }
+
+  /// @{ As those of `AffineMatrix`.
+  ProjMatrix& translate(double x, double y, double z) noexcept {
+    detail::translateFirst<4>(m_.n, x, y, z);
+    return *this;
+  }
+  ProjMatrix& translate(const Vector& by) noexcept { return translate(by[0], by[1], by[2]); }
+  ProjMatrix& scale(double x, double y, double z) noexcept {
+    detail::scaleFirst<4>(m_.n, x, y, z);
+    return *this;
+  }
+  ProjMatrix& scale(double factor) noexcept { return scale(factor, factor, factor); }
+  QV_BASE_API ProjMatrix& rotateX(double angle) noexcept;
+  QV_BASE_API ProjMatrix& rotateY(double angle) noexcept;
+  QV_BASE_API ProjMatrix& rotateZ(double angle) noexcept;
+  QV_BASE_API ProjMatrix& rotate(double angle, const Normal& axis) noexcept;
+  QV_BASE_API ProjMatrix& rotate(double angle, const Line& axis) noexcept;
+  QV_BASE_API ProjMatrix& rotate(const Normal& from, const Normal& to) noexcept;
+  QV_BASE_API ProjMatrix& mirror(const Plane& plane) noexcept;
+  /// @}
+
+  /// Transposes all of it.
+  ProjMatrix& transpose() noexcept {
+    m_ = detail::transposedProjective(m_);
+    return *this;
+  }
+  /// Of the first three rows and columns.
+  [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<4>(m_.n); }
+  [[nodiscard]] constexpr double det4x4() const noexcept { return detail::Minors<double>(m_.n).determinant(); }
+
+  /// Makes the matrix its inverse, by Gauss-Jordan elimination with partial pivoting.
+  /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
+  QV_BASE_API bool invert() noexcept;
+  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is below
+  /// `epsilonTol`.
+  bool invertFast() noexcept { return detail::invertProjectiveFast(m_.n); }
+  /// The inverse as `invert` makes it; this matrix itself where that fails.
+  [[nodiscard]] QV_BASE_API ProjMatrix inverse() const noexcept;
+  /// Whether the determinant of the whole is not below `epsilonTol`.
+  [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det4x4()); }
+  /// Whether the fourth column is (0, 0, 0, 1), each number to less than `epsilonTol`.
+  [[nodiscard]] inline bool isAffine() const noexcept;
+
+  /// out = m * this; any of them may be the same.
+  void preMult(ProjMatrix& out, const ProjMatrix& m) const noexcept {
+    detail::multiplyProjective(out.m_.n, m.m_.n, m_.n);
+  }
+  /// this = m * this.
+  void preMult(const ProjMatrix& m) noexcept { preMult(*this, m); }
+  /// @{ Transforms `in` into `out`, which may be `in`.
+  void preMult(HPoint& out, const HPoint& in) const noexcept {
+    out = HPoint(detail::rowTimes<4, double>(in, m_.n).n);
+  }
+  void preMult(Tuple4& out, const Tuple4& in) const noexcept {
+    out = Tuple4(detail::rowTimes<4, double>(in, m_.n).n);
+  }
+  /// @}
+  /// By the first three rows and columns. Does nothing at all where `out` and `in` are the same object.
+  inline void preMult(Vector& out, const Vector& in) const noexcept;
+  /// Transforms `count` points at `in` into those at `out`; in place too, but `out` may not overlap `in`
+  /// otherwise.
+  QV_BASE_API void preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept;
+
+  /// this = this * m.
+  ProjMatrix& operator*=(const ProjMatrix& m) noexcept {
+    detail::multiplyProjective(m_.n, m_.n, m.m_.n);
+    return *this;
+  }
+  /// @{ Number by number, on all sixteen.
+  ProjMatrix& operator+=(const ProjMatrix& m) noexcept {
+    m_ = m_ + m.m_;
+    return *this;
+  }
+  ProjMatrix& operator-=(const ProjMatrix& m) noexcept {
+    m_ = m_ - m.m_;
+    return *this;
+  }
+  ProjMatrix& operator*=(double factor) noexcept {
+    m_ = factor * m_;
+    return *this;
+  }
+  /// @}
+  /// Exact, without a tolerance.
+  [[nodiscard]] friend bool operator==(const ProjMatrix& a, const ProjMatrix& b) noexcept {
+    return a.m_ == b.m_;
+  }
+
+private:
+  using All = detail::Numbers<double, 16>;
+
+  All m_;
+};
+
+static_assert(sizeof(ProjMatrix) == 128 && std::is_trivially_copyable_v<ProjMatrix> &&
+              std::is_standard_layout_v<ProjMatrix> && std::is_trivially_default_constructible_v<ProjMatrix>);
+
+/// Whether all sixteen numbers differ by strictly less than `tolerance`.
+[[nodiscard]] inline bool equivalent(const ProjMatrix& a, const ProjMatrix& b, double tolerance) noexcept {
+  return detail::allWithin<16, double>(a, b, tolerance);
+}
+
+[[nodiscard]] inline ProjMatrix operator*(const ProjMatrix& a, const ProjMatrix& b) noexcept {
+  ProjMatrix product;
+  b.preMult(product, a);
+  return product;
+}
+[[nodiscard]] inline ProjMatrix operator+(ProjMatrix a, const ProjMatrix& b) noexcept { return a += b; }
+[[nodiscard]] inline ProjMatrix operator-(ProjMatrix a, const ProjMatrix& b) noexcept { return a -= b; }
+[[nodiscard]] inline ProjMatrix operator*(double factor, ProjMatrix m) noexcept { return m *= factor; }
+[[nodiscard]] inline ProjMatrix operator*(ProjMatrix m, double factor) noexcept { return m *= factor; }
+
+/// @{ The transformed value, by `preMult`. A `Point` has the weight 1 before it is transformed.
+[[nodiscard]] inline HPoint operator*(const HPoint& p, const ProjMatrix& m) noexcept {
+  HPoint out;
+  m.preMult(out, p);
+  return out;
+}
+[[nodiscard]] inline HPoint operator*(const Point& p, const ProjMatrix& m) noexcept { return HPoint(p) * m; }
+[[nodiscard]] inline Tuple4 operator*(const Tuple4& t, const ProjMatrix& m) noexcept {
+  Tuple4 out;
+  m.preMult(out, t);
+  return out;
+}
+[[nodiscard]] inline Vector operator*(const Vector& v, const ProjMatrix& m) noexcept {
+  Vector out;
+  m.preMult(out, v);
+  return out;
+}
+/// @}
+
+/// "ProjMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the numbers
+/// as the stream writes them.
+QV_BASE_API std::ostream& operator<<(std::ostream& out, const ProjMatrix& m);
+
+inline AffineMatrix::AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept {
+  const double* from = matrix;
+  m_ = All::made([from](int i) { return from[i / 3 * 4 + i % 3]; });
+}
+
+inline AffineMatrixFlt::AffineMatrixFlt(Promise promise, const ProjMatrix& wide) noexcept
+    : AffineMatrixFlt(AffineMatrix(promise, wide)) {}
+
+inline AffineMatrixFlt& AffineMatrixFlt::operator=(const ProjMatrix& wide) noexcept {
+  return *this = AffineMatrixFlt(Promise(), wide);
+}
+
+inline bool ProjMatrix::isAffine() const noexcept {
+  const auto isZero = [](double number) { return std::fabs(number) < epsilonTol; };
+  return isZero(m_.n[3]) && isZero(m_.n[7]) && isZero(m_.n[11]) && isZero(m_.n[15] - 1.0);
+}
+
+inline void ProjMatrix::preMult(Vector& out, const Vector& in) const noexcept {
+  if (&out != &in) out = Vector(detail::weighted<3, 4>(detail::Numbers<double, 3>::at<double>(in), m_.n).n);
+}
+
+} // namespace qvLinear
