@@ -69,21 +69,21 @@ AffineMatrix AffineMatrix::normalMatrix(bool& ok) const noexcept {
 
 void AffineMatrix::preMult(Point* out, const Point* in, std::size_t count) const noexcept {
   const All m = m_; // `out` cannot be a part of it
-  detail::transformArray(out, in, count,
+  detail::transformArray<2>(out, in, count,
                          [&](const Point& p) { return detail::rowTimesAffine<3, double>(p, m.n); });
 }
 
 void AffineMatrix::preMult(Vector* out, const Vector* in, std::size_t count) const noexcept {
   const All m = m_;
-  detail::transformArray(out, in, count,
+  detail::transformArray<2>(out, in, count,
                          [&](const Vector& v) { return detail::rowTimes<3, double>(v, m.n); });
 }
 
 void AffineMatrix::preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept {
   const All m = m_;
-  detail::transformArray(out, in, count, [&](const HPoint& p) {
+  detail::transformArray<1>(out, in, count, [&](const HPoint& p) {
     const Row moved = detail::homogeneousTimesAffine<double>(p, m.n);
-    return detail::Numbers<double, 4>{{moved.n[0], moved.n[1], moved.n[2], p[3]}};
+    return detail::Numbers<double, 4>(moved[0], moved[1], moved[2], p[3]);
   });
 }
 

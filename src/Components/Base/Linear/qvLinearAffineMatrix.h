@@ -5,7 +5,7 @@
 
 #include "Base/Linear/qvLinearForward.h"
 #include "Base/Linear/qvLinearHPoint.h"
-#include "Base/Linear/qvLinearMatrixKernel.h"
+#include "Base/Linear/qvLinearMatrix.h"
 #include "Base/Linear/qvLinearPoint.h"
 #include "Base/Linear/qvLinearVector.h"
 #include "Base/qvBase.h"
@@ -16,44 +16,29 @@
 
 namespace qvLinear {
 
-/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians.
+/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians. The base gives
+/// `set`, `get`, `[]`, a pointer, `identity`, `zero`, comparison, sums and products.
 ///
 /// What builds a transform (`translate`, `scale`, the `rotate` forms, `mirror`) puts it in front of what the
 /// matrix holds, so that it acts on a point first.
-class AffineMatrix {
+class AffineMatrix : public detail::Matrix<AffineMatrix, double, 4, 3> {
 public:
   static QV_BASE_API const AffineMatrix Identity;
 
-  /// Leaves the numbers as they are.
   AffineMatrix() = default;
   /// `value` on the diagonal of the linear part; all else, the translation too, is 0.
-  explicit constexpr AffineMatrix(double value) noexcept : m_(detail::diagonal<3, 12>(value)) {}
+  explicit constexpr AffineMatrix(double value) noexcept : Matrix(diagonal(value)) {}
   /// All twelve, in storage order.
-  explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept : m_(All::at(numbers)) {}
-  inline AffineMatrix(const AffineMatrixFlt& narrow) noexcept;
+  explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  AffineMatrix(const AffineMatrixFlt& narrow) noexcept;
   /// The affine part of `matrix`, without a look at `isAffine`: its fourth column is left out.
-  inline AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept;
+  AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept;
 
-  /// @{ All twelve numbers, in storage order.
-  void set(detail::PointerTo<double> auto numbers) noexcept { m_ = All::at(numbers); }
-  void get(std::same_as<double*> auto numbers) const noexcept { m_.storeAt(numbers); }
-  template <std::same_as<double> T>
-  operator const T*() const noexcept {
-    return m_.n;
-  }
-  /// @}
-  /// @{ The three numbers of a row, of which row 3 is the translation. Unchecked.
-  [[nodiscard]] double* operator[](int row) noexcept { return m_.n + 3 * row; }
-  [[nodiscard]] const double* operator[](int row) const noexcept { return m_.n + 3 * row; }
-  /// @}
-
-  AffineMatrix& identity() noexcept { return *this = AffineMatrix(1.0); }
-  AffineMatrix& zero() noexcept { return *this = AffineMatrix(0.0); }
   /// Row i of the linear part becomes a[i] times `b`, the translation 0.
-  inline AffineMatrix& outerProduct(const Vector& a, const Vector& b) noexcept;
+  AffineMatrix& outerProduct(const Vector& a, const Vector& b) noexcept;
   /// The linear part becomes the skew-symmetric matrix with the rows (0, -z, y), (z, 0, -x), (-y, x, 0) of `v`,
   /// the translation 0.
-  inline AffineMatrix& crossMatrix(const Vector& v) noexcept;
+  AffineMatrix& crossMatrix(const Vector& v) noexcept;
 
   AffineMatrix& translate(double x, double y, double z) noexcept {
     detail::translateFirst<3>(m_.n, x, y, z);
@@ -102,23 +87,18 @@ public:
   /// Whether the determinant is not below `epsilonTol`: what `invertFast` asks.
   [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det3x3()); }
 
-  /// out = m * this; any of them may be the same.
-  void preMult(AffineMatrix& out, const AffineMatrix& m) const noexcept {
-    detail::multiplyAffine<3>(out.m_.n, m.m_.n, m_.n);
-  }
-  /// this = m * this.
-  void preMult(const AffineMatrix& m) noexcept { preMult(*this, m); }
-
+  using Matrix::preMult;
   /// @{ Transforms `in` into `out`. Does nothing at all where both are the same object: use a separate `out`.
-  inline void preMult(Point& out, const Point& in) const noexcept;
-  inline void preMult(Vector& out, const Vector& in) const noexcept;
+  void preMult(Point& out, const Point& in) const noexcept;
+  void preMult(Vector& out, const Vector& in) const noexcept;
   /// @}
   /// The weight stays. `out` may be `in`, here and in the forms below.
-  inline void preMult(HPoint& out, const HPoint& in) const noexcept;
+  void preMult(HPoint& out, const HPoint& in) const noexcept;
   /// The direction goes as a vector and is normalised again.
   QV_BASE_API void preMult(Line& out, const Line& in) const noexcept;
   QV_BASE_API void preMult(ParamLine& out, const ParamLine& in) const noexcept;
-  /// The normal goes by `normalMatrix`, so it keeps its side under a mirror, and is normalised again.
+  /// The normal goes by `normalMatrix` and is normalised again: it stays the direction of `cross(u, v)`, where u and
+  /// v span the plane and go with it. Where the matrix has no inverse, the normal goes as a vector.
   QV_BASE_API void preMult(Plane& out, const Plane& in) const noexcept;
   QV_BASE_API void preMult(ParamPlane& out, const ParamPlane& in) const noexcept;
   /// The bounds of the eight transformed corners. An empty range stays empty.
@@ -131,33 +111,9 @@ public:
   QV_BASE_API void preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept;
   /// @}
 
-  /// this = this * m.
-  AffineMatrix& operator*=(const AffineMatrix& m) noexcept {
-    detail::multiplyAffine<3>(m_.n, m_.n, m.m_.n);
-    return *this;
-  }
-  /// @{ Number by number, on all twelve.
-  AffineMatrix& operator+=(const AffineMatrix& m) noexcept {
-    m_ = m_ + m.m_;
-    return *this;
-  }
-  AffineMatrix& operator-=(const AffineMatrix& m) noexcept {
-    m_ = m_ - m.m_;
-    return *this;
-  }
-  AffineMatrix& operator*=(double factor) noexcept {
-    m_ = factor * m_;
-    return *this;
-  }
-  /// @}
-  /// Exact, without a tolerance.
-  [[nodiscard]] friend bool operator==(const AffineMatrix& a, const AffineMatrix& b) noexcept {
-    return a.m_ == b.m_;
-  }
-
   /// @{ The translation as `origin`, and the three rows.
-  inline void getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept;
-  inline void setFrame(const Point& origin, const Vector& x, const Vector& y, const Vector& z) noexcept;
+  void getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept;
+  void setFrame(const Point& origin, const Vector& x, const Vector& y, const Vector& z) noexcept;
   [[nodiscard]] Vector getTranslate() const noexcept { return Vector((*this)[3]); }
   /// @}
 
@@ -169,29 +125,11 @@ public:
   [[nodiscard]] QV_BASE_API AffineMatrix normalMatrix(bool& ok) const noexcept;
 
 private:
-  using All = detail::Numbers<double, 12>;
   using Row = detail::Numbers<double, 3>;
-
-  All m_;
 };
 
 static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineMatrix> &&
               std::is_standard_layout_v<AffineMatrix> && std::is_trivially_default_constructible_v<AffineMatrix>);
-
-/// Whether all twelve numbers differ by strictly less than `tolerance`.
-[[nodiscard]] inline bool equivalent(const AffineMatrix& a, const AffineMatrix& b, double tolerance) noexcept {
-  return detail::allWithin<12, double>(a, b, tolerance);
-}
-
-[[nodiscard]] inline AffineMatrix operator*(const AffineMatrix& a, const AffineMatrix& b) noexcept {
-  AffineMatrix product;
-  b.preMult(product, a);
-  return product;
-}
-[[nodiscard]] inline AffineMatrix operator+(AffineMatrix a, const AffineMatrix& b) noexcept { return a += b; }
-[[nodiscard]] inline AffineMatrix operator-(AffineMatrix a, const AffineMatrix& b) noexcept { return a -= b; }
-[[nodiscard]] inline AffineMatrix operator*(double factor, AffineMatrix m) noexcept { return m *= factor; }
-[[nodiscard]] inline AffineMatrix operator*(AffineMatrix m, double factor) noexcept { return m *= factor; }
 
 /// @{ The transformed value, by `preMult`.
 [[nodiscard]] inline Point operator*(const Point& p, const AffineMatrix& m) noexcept {
@@ -226,7 +164,7 @@ inline AffineMatrix& AffineMatrix::outerProduct(const Vector& a, const Vector& b
 }
 
 inline AffineMatrix& AffineMatrix::crossMatrix(const Vector& v) noexcept {
-  m_ = {{0.0, -v[2], v[1], v[2], 0.0, -v[0], -v[1], v[0], 0.0, 0.0, 0.0, 0.0}};
+  m_ = All(0.0, -v[2], v[1], v[2], 0.0, -v[0], -v[1], v[0], 0.0, 0.0, 0.0, 0.0);
   return *this;
 }
 
@@ -240,7 +178,7 @@ inline void AffineMatrix::preMult(Vector& out, const Vector& in) const noexcept 
 
 inline void AffineMatrix::preMult(HPoint& out, const HPoint& in) const noexcept {
   const Row moved = detail::homogeneousTimesAffine<double>(in, m_.n);
-  out = HPoint(moved.n[0], moved.n[1], moved.n[2], in[3]);
+  out = HPoint(moved[0], moved[1], moved[2], in[3]);
 }
 
 inline void AffineMatrix::getFrame(Point& origin, Vector& x, Vector& y, Vector& z) const noexcept {

@@ -1,7 +1,7 @@
 // A rigid or affine transform of the plane.
 #pragma once
 
-#include "Base/Linear/qvLinearMatrixKernel.h"
+#include "Base/Linear/qvLinearMatrix.h"
 #include "Base/Linear/qvLinearPoint.h"
 #include "Base/qvBase.h"
 
@@ -10,30 +10,18 @@
 namespace qvLinear {
 
 /// As `AffineMatrix`, a dimension lower: six numbers, the two rows of the linear part and then the translation.
-class AffineMatrix2 {
+class AffineMatrix2 : public detail::Matrix<AffineMatrix2, double, 3, 2> {
 public:
   static QV_BASE_API const AffineMatrix2 Identity;
 
   AffineMatrix2() = default;
-  explicit constexpr AffineMatrix2(double value) noexcept : m_(detail::diagonal<2, 6>(value)) {}
-  explicit constexpr AffineMatrix2(detail::PointerTo<double> auto numbers) noexcept : m_(All::at(numbers)) {}
-
-  void set(detail::PointerTo<double> auto numbers) noexcept { m_ = All::at(numbers); }
-  void get(std::same_as<double*> auto numbers) const noexcept { m_.storeAt(numbers); }
-  template <std::same_as<double> T>
-  operator const T*() const noexcept {
-    return m_.n;
-  }
-  [[nodiscard]] double* operator[](int row) noexcept { return m_.n + 2 * row; }
-  [[nodiscard]] const double* operator[](int row) const noexcept { return m_.n + 2 * row; }
-
-  AffineMatrix2& identity() noexcept { return *this = AffineMatrix2(1.0); }
-  AffineMatrix2& zero() noexcept { return *this = AffineMatrix2(0.0); }
+  explicit constexpr AffineMatrix2(double value) noexcept : Matrix(diagonal(value)) {}
+  explicit constexpr AffineMatrix2(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
 
   /// @{ Put in front, so that they act on a point first.
-  inline AffineMatrix2& translate(double x, double y) noexcept;
+  AffineMatrix2& translate(double x, double y) noexcept;
   AffineMatrix2& translate(const Vector2& by) noexcept { return translate(by[0], by[1]); }
-  inline AffineMatrix2& scale(double x, double y) noexcept;
+  AffineMatrix2& scale(double x, double y) noexcept;
   AffineMatrix2& scale(double factor) noexcept { return scale(factor, factor); }
   /// Counter-clockwise, in radians, about the origin.
   QV_BASE_API AffineMatrix2& rotate(double angle) noexcept;
@@ -41,11 +29,11 @@ public:
 
   /// The translation is lost: it becomes 0.
   AffineMatrix2& transpose() noexcept {
-    m_ = {{m_.n[0], m_.n[2], m_.n[1], m_.n[3], 0.0, 0.0}};
+    m_ = All(m_[0], m_[2], m_[1], m_[3], 0.0, 0.0);
     return *this;
   }
   /// Of the linear part.
-  [[nodiscard]] constexpr double det2x2() const noexcept { return m_.n[0] * m_.n[3] - m_.n[1] * m_.n[2]; }
+  [[nodiscard]] constexpr double det2x2() const noexcept { return m_[0] * m_[3] - m_[1] * m_[2]; }
 
   /// By elimination with partial pivoting.
   /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
@@ -55,12 +43,7 @@ public:
   /// Whether the determinant is not below `epsilonTol`.
   [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det2x2()); }
 
-  /// out = m * this; any of them may be the same.
-  void preMult(AffineMatrix2& out, const AffineMatrix2& m) const noexcept {
-    detail::multiplyAffine<2>(out.m_.n, m.m_.n, m_.n);
-  }
-  /// this = m * this.
-  void preMult(const AffineMatrix2& m) noexcept { preMult(*this, m); }
+  using Matrix::preMult;
   /// @{ Does nothing at all where `out` and `in` are the same object.
   void preMult(Point2& out, const Point2& in) const noexcept {
     if (&out != &in) out = Point2(detail::rowTimesAffine<2, double>(in, m_.n).n);
@@ -69,29 +52,6 @@ public:
     if (&out != &in) out = Vector2(detail::rowTimes<2, double>(in, m_.n).n);
   }
   /// @}
-
-  /// this = this * m.
-  AffineMatrix2& operator*=(const AffineMatrix2& m) noexcept {
-    detail::multiplyAffine<2>(m_.n, m_.n, m.m_.n);
-    return *this;
-  }
-  /// @{ Number by number, on all six.
-  AffineMatrix2& operator+=(const AffineMatrix2& m) noexcept {
-    m_ = m_ + m.m_;
-    return *this;
-  }
-  AffineMatrix2& operator-=(const AffineMatrix2& m) noexcept {
-    m_ = m_ - m.m_;
-    return *this;
-  }
-  AffineMatrix2& operator*=(double factor) noexcept {
-    m_ = factor * m_;
-    return *this;
-  }
-  /// @}
-  [[nodiscard]] friend bool operator==(const AffineMatrix2& a, const AffineMatrix2& b) noexcept {
-    return a.m_ == b.m_;
-  }
 
   /// @{ The translation as `origin`, and the two rows.
   void getFrame(Point2& origin, Vector2& x, Vector2& y) const noexcept {
@@ -108,33 +68,13 @@ public:
   /// @}
 
 private:
-  using All = detail::Numbers<double, 6>;
   using Row = detail::Numbers<double, 2>;
-
-  All m_;
 };
 
 static_assert(sizeof(AffineMatrix2) == 48 && std::is_trivially_copyable_v<AffineMatrix2> &&
               std::is_standard_layout_v<AffineMatrix2> &&
               std::is_trivially_default_constructible_v<AffineMatrix2>);
 
-[[nodiscard]] inline bool equivalent(const AffineMatrix2& a, const AffineMatrix2& b, double tolerance) noexcept {
-  return detail::allWithin<6, double>(a, b, tolerance);
-}
-
-[[nodiscard]] inline AffineMatrix2 operator*(const AffineMatrix2& a, const AffineMatrix2& b) noexcept {
-  AffineMatrix2 product;
-  b.preMult(product, a);
-  return product;
-}
-[[nodiscard]] inline AffineMatrix2 operator+(AffineMatrix2 a, const AffineMatrix2& b) noexcept {
-  return a += b;
-}
-[[nodiscard]] inline AffineMatrix2 operator-(AffineMatrix2 a, const AffineMatrix2& b) noexcept {
-  return a -= b;
-}
-[[nodiscard]] inline AffineMatrix2 operator*(double factor, AffineMatrix2 m) noexcept { return m *= factor; }
-[[nodiscard]] inline AffineMatrix2 operator*(AffineMatrix2 m, double factor) noexcept { return m *= factor; }
 [[nodiscard]] inline Point2 operator*(const Point2& p, const AffineMatrix2& m) noexcept {
   Point2 out;
   m.preMult(out, p);
@@ -147,7 +87,7 @@ static_assert(sizeof(AffineMatrix2) == 48 && std::is_trivially_copyable_v<Affine
 }
 
 inline AffineMatrix2& AffineMatrix2::translate(double x, double y) noexcept {
-  (Row::at((*this)[2]) + detail::weighted<2>(Row{{x, y}}, m_.n)).storeAt((*this)[2]);
+  (Row::at((*this)[2]) + detail::weighted<2>(Row(x, y), m_.n)).storeAt((*this)[2]);
   return *this;
 }
 

@@ -9,42 +9,42 @@
 namespace qvLinear::detail {
 
 /// Brings the row, from `column` on down, with the largest number in this column there: the first of equals.
-template <int Size>
-void bringUpPivot(Numbers<double, 2 * Size> (&rows)[Size], int column) noexcept {
+template <int size>
+void bringUpPivot(Numbers<double, 2 * size> (&rows)[size], int column) noexcept {
   int largest = column;
-  for (int row = column + 1; row < Size; ++row) {
+  for (int row = column + 1; row < size; ++row) {
     if (std::fabs(rows[row].n[column]) > std::fabs(rows[largest].n[column])) largest = row;
   }
   if (largest != column) std::swap(rows[column], rows[largest]);
 }
 
-/// `matrix`, of `Size` rows, becomes its inverse. False, with nothing changed, where a pivot is below `epsilonTol`.
-template <int Size>
+/// `matrix`, of `size` rows, becomes its inverse. False, with nothing changed, where a pivot is below `epsilonTol`.
+template <int size>
 bool invertByElimination(double* matrix) noexcept {
-  using Row = Numbers<double, 2 * Size>; // of the matrix, and of what becomes the inverse
-  Row rows[Size];
-  for (int i = 0; i < Size; ++i) {
-    rows[i] = Row::made([&](int k) { return k < Size ? matrix[i * Size + k] : (k - Size == i ? 1.0 : 0.0); });
+  using Row = Numbers<double, 2 * size>; // of the matrix, and of what becomes the inverse
+  Row rows[size];
+  for (int i = 0; i < size; ++i) {
+    rows[i] = Row::made([&](int k) { return k < size ? matrix[i * size + k] : (k - size == i ? 1.0 : 0.0); });
   }
-  for (int column = 0; column < Size; ++column) {
-    bringUpPivot<Size>(rows, column);
+  for (int column = 0; column < size; ++column) {
+    bringUpPivot<size>(rows, column);
     const double pivot = rows[column].n[column];
     if (std::fabs(pivot) < epsilonTol) return false;
     rows[column] = (1.0 / pivot) * rows[column];
-    for (int row = 0; row < Size; ++row) {
+    for (int row = 0; row < size; ++row) {
       if (row != column) rows[row] = rows[row] - rows[row].n[column] * rows[column];
     }
   }
-  for (int i = 0; i < Size; ++i) Numbers<double, Size>::at(rows[i].n + Size).storeAt(matrix + i * Size);
+  for (int i = 0; i < size; ++i) Numbers<double, size>::at(rows[i].n + size).storeAt(matrix + i * size);
   return true;
 }
 
 /// The same of an affine matrix, of which that is the linear part, with the translation in the row after it.
-template <int Size>
+template <int size>
 bool invertAffineByElimination(double* matrix) noexcept {
-  if (!invertByElimination<Size>(matrix)) return false;
-  double* const translation = matrix + Size * Size;
-  (-1.0 * weighted<Size>(Numbers<double, Size>::at(translation), matrix)).storeAt(translation);
+  if (!invertByElimination<size>(matrix)) return false;
+  double* const translation = matrix + size * size;
+  (-1.0 * weighted<size>(Numbers<double, size>::at(translation), matrix)).storeAt(translation);
   return true;
 }
 

@@ -1,4 +1,4 @@
-// The arithmetic that matrices of either number type share, on their numbers in storage order: `Size` rows of as
+// The arithmetic that matrices of either number type share, on their numbers in storage order: `size` rows of as
 // many numbers, after which an affine matrix has one more, the translation. A detail of the matrices, installed
 // because they are inline.
 #pragma once
@@ -8,18 +8,24 @@
 
 namespace qvLinear::detail {
 
-/// The row of `Size` numbers at `row` times the matrix, without a translation.
-template <int Size, class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, Size> rowTimes(const T* row,
+/// The row of `size` numbers at `row` times the matrix, without a translation.
+template <int size, class T>
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> rowTimes(const T* row,
                                                                            const T* matrix) noexcept {
-  return weighted<Size>(Numbers<T, Size>::at(row), matrix);
+  return weighted<size>(Numbers<T, size>::at(row), matrix);
 }
 
 /// The same with the translation.
-template <int Size, class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, Size>
+template <int size, class T>
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size>
 rowTimesAffine(const T* row, const T* matrix) noexcept {
-  return rowTimes<Size>(row, matrix) + Numbers<T, Size>::at(matrix + Size * Size);
+  return rowTimes<size>(row, matrix) + Numbers<T, size>::at(matrix + size * size);
+}
+
+template <int size, bool affine, class T>
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> lastRowTimes(const T* row, const T* matrix) noexcept {
+  if constexpr (affine) return rowTimesAffine<size>(row, matrix);
+  else return rowTimes<size>(row, matrix);
 }
 
 /// The three coordinates of a homogeneous point, whose weight stays.
@@ -29,69 +35,45 @@ homogeneousTimesAffine(const T* point, const T* matrix) noexcept {
   return weighted<3>(Numbers<T, 4>::at(point), matrix);
 }
 
-/// @{ out = a * b; any two of them may be the same matrix.
-template <int Size, class T>
-constexpr void multiplyAffine(T* out, const T* a, const T* b) noexcept {
-  const auto first = rowTimes<Size>(a, b);
-  const auto second = rowTimes<Size>(a + Size, b);
-  if constexpr (Size == 2) {
-    const auto translation = rowTimesAffine<2>(a + 4, b);
-    first.storeAt(out);
-    second.storeAt(out + 2);
-    translation.storeAt(out + 4);
-  } else {
-    const auto third = rowTimes<3>(a + 6, b);
-    const auto translation = rowTimesAffine<3>(a + 9, b);
-    first.storeAt(out);
-    second.storeAt(out + 3);
-    third.storeAt(out + 6);
-    translation.storeAt(out + 9);
-  }
+/// out = a * b, which have `rows` rows of `width` numbers: as many, or, where they are affine, one more. Any two of
+/// them may be the same matrix.
+template <int rows, int width, class T>
+[[gnu::always_inline]] constexpr void multiply(T* out, const T* a, const T* b) noexcept {
+  using Row = Numbers<T, width>;
+  // Row by row of b, so that what is live at one time fits into the registers.
+  const auto term = [&](int row, int k) { return a[width * row + k] * Row::at(b + width * k); };
+  Row sums[rows];
+  forEach<rows>([&](int row) { sums[row] = term(row, 0); });
+  forEach<width - 1>([&](int k) {
+    forEach<rows>([&](int row) { sums[row] = sums[row] + term(row, k + 1); });
+  });
+  if constexpr (rows > width) sums[width] = sums[width] + Row::at(b + width * width);
+  forEach<rows>([&](int row) { sums[row].storeAt(out + width * row); });
 }
 
-template <class T>
-constexpr void multiplyProjective(T* out, const T* a, const T* b) noexcept {
-  const auto first = rowTimes<4>(a, b);
-  const auto second = rowTimes<4>(a + 4, b);
-  const auto third = rowTimes<4>(a + 8, b);
-  const auto fourth = rowTimes<4>(a + 12, b);
-  first.storeAt(out);
-  second.storeAt(out + 4);
-  third.storeAt(out + 8);
-  fourth.storeAt(out + 12);
-}
-/// @}
-
-/// `value` where the row and the column are the same, else 0, in rows of `Width` numbers.
-template <int Width, int Count, class T>
-[[nodiscard]] constexpr Numbers<T, Count> diagonal(T value) noexcept {
-  return Numbers<T, Count>::made(
-      [value](int i) { return i / Width == i % Width ? value : T{0}; });
-}
-
-/// @{ What acts on a point before the matrix, whose rows have `Width` numbers, does.
-template <int Width, class T>
+/// @{ What acts on a point before the matrix, whose rows have `width` numbers, does.
+template <int width, class T>
 constexpr void translateFirst(T* matrix, T x, T y, T z) noexcept {
-  T* const last = matrix + 3 * Width;
-  (Numbers<T, Width>::at(last) + weighted<Width>(Numbers<T, 3>{{x, y, z}}, matrix)).storeAt(last);
+  T* const last = matrix + 3 * width;
+  (Numbers<T, width>::at(last) + weighted<width>(Numbers<T, 3>(x, y, z), matrix)).storeAt(last);
 }
 
-template <int Width, class T>
+template <int width, class T>
 constexpr void scaleFirst(T* matrix, T x, T y, T z) noexcept {
   const T factors[] = {x, y, z};
-  Numbers<T, 3 * Width>::made([&](int i) { return factors[i / Width] * matrix[i]; }).storeAt(matrix);
+  Numbers<T, 3 * width>::made([&](int i) { return factors[i / width] * matrix[i]; }).storeAt(matrix);
 }
 /// @}
 
 /// The translation becomes 0.
 template <class T>
 [[nodiscard]] constexpr Numbers<T, 12> transposedAffine(const Numbers<T, 12>& m) noexcept {
-  return Numbers<T, 12>::made([&](int i) { return i < 9 ? m.n[i % 3 * 3 + i / 3] : T{0}; });
+  return Numbers<T, 12>::made([&](int i) { return i < 9 ? m[i % 3 * 3 + i / 3] : T{0}; });
 }
 
 template <class T>
 [[nodiscard]] constexpr Numbers<T, 16> transposedProjective(const Numbers<T, 16>& m) noexcept {
-  return Numbers<T, 16>::made([&](int i) { return m.n[i % 4 * 4 + i / 4]; });
+  return Numbers<T, 16>::made([&](int i) { return m[i % 4 * 4 + i / 4]; });
 }
 
 /// An affine matrix as a projective one, in numbers of type `T`.
@@ -103,11 +85,11 @@ template <class T, class From>
   });
 }
 
-/// Of the first three rows and columns of rows of `Width` numbers.
-template <int Width, class T>
+/// Of the first three rows and columns of rows of `width` numbers.
+template <int width, class T>
 [[nodiscard]] constexpr T determinant3(const T* matrix) noexcept {
   using Row = Numbers<T, 3>;
-  return sumOfProducts(Row::at(matrix).n, cross(Row::at(matrix + Width), Row::at(matrix + 2 * Width)).n);
+  return dot(Row::at(matrix), cross(Row::at(matrix + width), Row::at(matrix + 2 * width)));
 }
 
 /// The determinants of the two by two numbers in each pair of columns, of the upper two rows of a matrix of
@@ -117,8 +99,8 @@ struct Minors {
   constexpr explicit Minors(const T* m) noexcept : upper(ofRows(m, m + 4)), lower(ofRows(m + 8, m + 12)) {}
 
   [[nodiscard]] constexpr T determinant() const noexcept {
-    return upper.n[0] * lower.n[5] - upper.n[1] * lower.n[4] + upper.n[2] * lower.n[3] +
-           upper.n[3] * lower.n[2] - upper.n[4] * lower.n[1] + upper.n[5] * lower.n[0];
+    return upper[0] * lower[5] - upper[1] * lower[4] + upper[2] * lower[3] +
+           upper[3] * lower[2] - upper[4] * lower[1] + upper[5] * lower[0];
   }
 
   Numbers<T, 6> upper; // of the columns 01 02 03 12 13 23
@@ -126,8 +108,8 @@ struct Minors {
 
 private:
   [[gnu::always_inline]] static constexpr Numbers<T, 6> ofRows(const T* a, const T* b) noexcept {
-    return {{a[0] * b[1] - a[1] * b[0], a[0] * b[2] - a[2] * b[0], a[0] * b[3] - a[3] * b[0],
-             a[1] * b[2] - a[2] * b[1], a[1] * b[3] - a[3] * b[1], a[2] * b[3] - a[3] * b[2]}};
+    return {a[0] * b[1] - a[1] * b[0], a[0] * b[2] - a[2] * b[0], a[0] * b[3] - a[3] * b[0],
+             a[1] * b[2] - a[2] * b[1], a[1] * b[3] - a[3] * b[1], a[2] * b[3] - a[3] * b[2]};
   }
 };
 
@@ -143,12 +125,11 @@ inline bool invertAffineFast(double* m) noexcept {
   using Row = Numbers<double, 3>;
   const Row x = Row::at(m), y = Row::at(m + 3), z = Row::at(m + 6);
   const Row yz = cross(y, z), zx = cross(z, x), xy = cross(x, y);
-  const double determinant = sumOfProducts(x.n, yz.n);
+  const double determinant = dot(x, yz);
   if (!isUsableDeterminant(determinant)) return false;
   const double factor = 1.0 / determinant;
   const Row a = factor * yz, b = factor * zx, c = factor * xy;
-  const Numbers<double, 9> linear{
-      {a.n[0], b.n[0], c.n[0], a.n[1], b.n[1], c.n[1], a.n[2], b.n[2], c.n[2]}};
+  const Numbers<double, 9> linear(a[0], b[0], c[0], a[1], b[1], c[1], a[2], b[2], c[2]);
   const Row translation = -1.0 * rowTimes<3>(m + 9, linear.n);
   linear.storeAt(m);
   translation.storeAt(m + 9);
@@ -156,32 +137,26 @@ inline bool invertAffineFast(double* m) noexcept {
 }
 
 inline bool invertProjectiveFast(double* m) noexcept {
+  using Pair = Numbers<double, 2>;
   const Minors<double> minors(m);
   const double determinant = minors.determinant();
   if (!isUsableDeterminant(determinant)) return false;
   const double factor = 1.0 / determinant;
-  const auto upper = factor * minors.upper;
-  const auto lower = factor * minors.lower;
-  const double *u = upper.n, *l = lower.n;
-  const Numbers<double, 16> inverse{{
-      m[5] * l[5] - m[6] * l[4] + m[7] * l[3],
-      m[2] * l[4] - m[1] * l[5] - m[3] * l[3],
-      m[13] * u[5] - m[14] * u[4] + m[15] * u[3],
-      m[10] * u[4] - m[9] * u[5] - m[11] * u[3],
-      m[6] * l[2] - m[4] * l[5] - m[7] * l[1],
-      m[0] * l[5] - m[2] * l[2] + m[3] * l[1],
-      m[14] * u[2] - m[12] * u[5] - m[15] * u[1],
-      m[8] * u[5] - m[10] * u[2] + m[11] * u[1],
-      m[4] * l[4] - m[5] * l[2] + m[7] * l[0],
-      m[1] * l[2] - m[0] * l[4] - m[3] * l[0],
-      m[12] * u[4] - m[13] * u[2] + m[15] * u[0],
-      m[9] * u[2] - m[8] * u[4] - m[11] * u[0],
-      m[5] * l[1] - m[4] * l[3] - m[6] * l[0],
-      m[0] * l[3] - m[1] * l[1] + m[2] * l[0],
-      m[13] * u[1] - m[12] * u[3] - m[14] * u[0],
-      m[8] * u[3] - m[9] * u[1] + m[10] * u[0],
-  }};
-  inverse.storeAt(m);
+  // Of each column, the numbers that are multiplied by the minors of the other half: two cofactors at a time.
+  const auto upper = [&](int column) { return Pair(factor * m[4 + column], -factor * m[column]); };
+  const auto lower = [&](int column) { return Pair(factor * m[12 + column], -factor * m[8 + column]); };
+  const Pair p0 = upper(0), p1 = upper(1), p2 = upper(2), p3 = upper(3);
+  const Pair q0 = lower(0), q1 = lower(1), q2 = lower(2), q3 = lower(3);
+  const auto& u = minors.upper;
+  const auto& l = minors.lower;
+  (l[5] * p1 - l[4] * p2 + l[3] * p3).storeAt(m);
+  (u[5] * q1 - u[4] * q2 + u[3] * q3).storeAt(m + 2);
+  (l[2] * p2 - l[5] * p0 - l[1] * p3).storeAt(m + 4);
+  (u[2] * q2 - u[5] * q0 - u[1] * q3).storeAt(m + 6);
+  (l[4] * p0 - l[2] * p1 + l[0] * p3).storeAt(m + 8);
+  (u[4] * q0 - u[2] * q1 + u[0] * q3).storeAt(m + 10);
+  (l[1] * p1 - l[3] * p0 - l[0] * p2).storeAt(m + 12);
+  (u[1] * q1 - u[3] * q0 - u[0] * q2).storeAt(m + 14);
   return true;
 }
 /// @}

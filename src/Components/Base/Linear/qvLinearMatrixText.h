@@ -5,13 +5,13 @@
 
 namespace qvLinear::detail {
 
-/// The name and four rows of `Width` numbers, by the rules of the stream.
-template <int Width, class T>
+/// The name and four rows of `width` numbers, by the rules of the stream.
+template <int width, class T>
 std::ostream& writeRows(std::ostream& out, const char* name, const T* numbers) {
   out << name << "(\n";
-  for (int row = 0; row < 4; ++row, numbers += Width) {
+  for (int row = 0; row < 4; ++row, numbers += width) {
     out << numbers[0];
-    for (int i = 1; i < Width; ++i) out << ',' << numbers[i];
+    for (int i = 1; i < width; ++i) out << ',' << numbers[i];
     out << '\n';
   }
   return out << ')';

@@ -3,42 +3,29 @@
 #pragma once
 
 #include "Base/Linear/qvLinearAffineMatrixFlt.h"
+#include "Base/Linear/qvLinearNormal.h"
 #include "Base/Linear/qvLinearTuple.h"
 
 namespace qvLinear {
 
 /// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of what
-/// the matrix holds, so that it acts on a point first.
-class ProjMatrix {
+/// the matrix holds, so that it acts on a point first. The base gives `set`, `get`, `[]`, a pointer, `identity`,
+/// `zero`, comparison, sums and products.
+class ProjMatrix : public detail::Matrix<ProjMatrix, double, 4, 4> {
 public:
   static QV_BASE_API const ProjMatrix Identity;
 
-  /// Leaves the numbers as they are.
   ProjMatrix() = default;
   /// `value` on the diagonal, all four; all else is 0.
-  explicit constexpr ProjMatrix(double value) noexcept : m_(detail::diagonal<4, 16>(value)) {}
+  explicit constexpr ProjMatrix(double value) noexcept : Matrix(diagonal(value)) {}
   /// All sixteen, in storage order.
-  explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept : m_(All::at(numbers)) {}
-  /// With the fourth column (0, 0, 0, 1).
-  ProjMatrix(const AffineMatrix& affine) noexcept : m_(detail::withFourthColumn<double, double>(affine)) {}
-  ProjMatrix(const AffineMatrixFlt& affine) noexcept : m_(detail::withFourthColumn<double, float>(affine)) {}
-  inline ProjMatrix(const ProjMatrixFlt& narrow) noexcept;
-
-  /// @{ All sixteen numbers, in storage order.
-  void set(detail::PointerTo<double> auto numbers) noexcept { m_ = All::at(numbers); }
-  void get(std::same_as<double*> auto numbers) const noexcept { m_.storeAt(numbers); }
-  template <std::same_as<double> T>
-  operator const T*() const noexcept {
-    return m_.n;
-  }
+  explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  /// @{ With the fourth column (0, 0, 0, 1).
+  ProjMatrix(const AffineMatrix& affine) noexcept : Matrix(detail::withFourthColumn<double, double>(affine)) {}
+  explicit ProjMatrix(const AffineMatrixFlt& affine) noexcept
+      : Matrix(detail::withFourthColumn<double, float>(affine)) {}
   /// @}
-  /// @{ The four numbers of a row. Unchecked.
-  [[nodiscard]] double* operator[](int row) noexcept { return m_.n + 4 * row; }
-  [[nodiscard]] const double* operator[](int row) const noexcept { return m_.n + 4 * row; }
-  /// @}
-
-  ProjMatrix& identity() noexcept { return *this = ProjMatrix(1.0); }
-  ProjMatrix& zero() noexcept { return *this = ProjMatrix(0.0); }
+  ProjMatrix(const ProjMatrixFlt& narrow) noexcept;
 
   /// @{ As those of `AffineMatrix`.
   ProjMatrix& translate(double x, double y, double z) noexcept {
@@ -80,14 +67,9 @@ public:
   /// Whether the determinant of the whole is not below `epsilonTol`.
   [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det4x4()); }
   /// Whether the fourth column is (0, 0, 0, 1), each number to less than `epsilonTol`.
-  [[nodiscard]] inline bool isAffine() const noexcept;
+  [[nodiscard]] bool isAffine() const noexcept;
 
-  /// out = m * this; any of them may be the same.
-  void preMult(ProjMatrix& out, const ProjMatrix& m) const noexcept {
-    detail::multiplyProjective(out.m_.n, m.m_.n, m_.n);
-  }
-  /// this = m * this.
-  void preMult(const ProjMatrix& m) noexcept { preMult(*this, m); }
+  using Matrix::preMult;
   /// @{ Transforms `in` into `out`, which may be `in`.
   void preMult(HPoint& out, const HPoint& in) const noexcept {
     out = HPoint(detail::rowTimes<4, double>(in, m_.n).n);
@@ -97,58 +79,14 @@ public:
   }
   /// @}
   /// By the first three rows and columns. Does nothing at all where `out` and `in` are the same object.
-  inline void preMult(Vector& out, const Vector& in) const noexcept;
+  void preMult(Vector& out, const Vector& in) const noexcept;
   /// Transforms `count` points at `in` into those at `out`; in place too, but `out` may not overlap `in`
   /// otherwise.
   QV_BASE_API void preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept;
-
-  /// this = this * m.
-  ProjMatrix& operator*=(const ProjMatrix& m) noexcept {
-    detail::multiplyProjective(m_.n, m_.n, m.m_.n);
-    return *this;
-  }
-  /// @{ Number by number, on all sixteen.
-  ProjMatrix& operator+=(const ProjMatrix& m) noexcept {
-    m_ = m_ + m.m_;
-    return *this;
-  }
-  ProjMatrix& operator-=(const ProjMatrix& m) noexcept {
-    m_ = m_ - m.m_;
-    return *this;
-  }
-  ProjMatrix& operator*=(double factor) noexcept {
-    m_ = factor * m_;
-    return *this;
-  }
-  /// @}
-  /// Exact, without a tolerance.
-  [[nodiscard]] friend bool operator==(const ProjMatrix& a, const ProjMatrix& b) noexcept {
-    return a.m_ == b.m_;
-  }
-
-private:
-  using All = detail::Numbers<double, 16>;
-
-  All m_;
 };
 
 static_assert(sizeof(ProjMatrix) == 128 && std::is_trivially_copyable_v<ProjMatrix> &&
               std::is_standard_layout_v<ProjMatrix> && std::is_trivially_default_constructible_v<ProjMatrix>);
-
-/// Whether all sixteen numbers differ by strictly less than `tolerance`.
-[[nodiscard]] inline bool equivalent(const ProjMatrix& a, const ProjMatrix& b, double tolerance) noexcept {
-  return detail::allWithin<16, double>(a, b, tolerance);
-}
-
-[[nodiscard]] inline ProjMatrix operator*(const ProjMatrix& a, const ProjMatrix& b) noexcept {
-  ProjMatrix product;
-  b.preMult(product, a);
-  return product;
-}
-[[nodiscard]] inline ProjMatrix operator+(ProjMatrix a, const ProjMatrix& b) noexcept { return a += b; }
-[[nodiscard]] inline ProjMatrix operator-(ProjMatrix a, const ProjMatrix& b) noexcept { return a -= b; }
-[[nodiscard]] inline ProjMatrix operator*(double factor, ProjMatrix m) noexcept { return m *= factor; }
-[[nodiscard]] inline ProjMatrix operator*(ProjMatrix m, double factor) noexcept { return m *= factor; }
 
 /// @{ The transformed value, by `preMult`. A `Point` has the weight 1 before it is transformed.
 [[nodiscard]] inline HPoint operator*(const HPoint& p, const ProjMatrix& m) noexcept {
@@ -173,12 +111,10 @@ static_assert(sizeof(ProjMatrix) == 128 && std::is_trivially_copyable_v<ProjMatr
 /// as the stream writes them.
 QV_BASE_API std::ostream& operator<<(std::ostream& out, const ProjMatrix& m);
 
-inline AffineMatrix::AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept {
-  const double* from = matrix;
-  m_ = All::made([from](int i) { return from[i / 3 * 4 + i % 3]; });
-}
+inline AffineMatrix::AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept
+    : Matrix(All::made([&](int i) { return matrix[i / 3][i % 3]; })) {}
 
-inline AffineMatrixFlt::AffineMatrixFlt(Promise promise, const ProjMatrix& wide) noexcept
+inline AffineMatrixFlt::AffineMatrixFlt(const Promise& promise, const ProjMatrix& wide) noexcept
     : AffineMatrixFlt(AffineMatrix(promise, wide)) {}
 
 inline AffineMatrixFlt& AffineMatrixFlt::operator=(const ProjMatrix& wide) noexcept {
@@ -187,7 +123,7 @@ inline AffineMatrixFlt& AffineMatrixFlt::operator=(const ProjMatrix& wide) noexc
 
 inline bool ProjMatrix::isAffine() const noexcept {
   const auto isZero = [](double number) { return std::fabs(number) < epsilonTol; };
-  return isZero(m_.n[3]) && isZero(m_.n[7]) && isZero(m_.n[11]) && isZero(m_.n[15] - 1.0);
+  return isZero(m_[3]) && isZero(m_[7]) && isZero(m_[11]) && isZero(m_[15] - 1.0);
 }
 
 inline void ProjMatrix::preMult(Vector& out, const Vector& in) const noexcept {

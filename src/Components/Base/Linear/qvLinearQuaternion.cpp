@@ -11,7 +11,7 @@ void Quaternion::setAngleAxis(double angle, const Normal& axis) noexcept {
 }
 
 bool Quaternion::getAngleAxis(double& angle, Normal& axis) const noexcept {
-  const double w = q_.n[3];
+  const double w = numbers_[3];
   if (std::fabs(w - 1.0) < epsilonTol) {
     angle = 0.0;
     axis = Normal::x;
@@ -19,7 +19,7 @@ bool Quaternion::getAngleAxis(double& angle, Normal& axis) const noexcept {
   }
   const double half = std::acos(std::clamp(w, -1.0, 1.0));
   angle = 2.0 * half;
-  axis = Vector(q_.n) / std::sin(half);
+  axis = Vector(static_cast<const double*>(numbers_)) / std::sin(half);
   return true;
 }
 
@@ -50,7 +50,7 @@ void Quaternion::getFrame(Normal& x, Normal& y, Normal& z) const noexcept {
 }
 
 void Quaternion::getMatrix(AffineMatrix& matrix) const noexcept {
-  const double x = q_.n[0], y = q_.n[1], z = q_.n[2], w = q_.n[3];
+  const double x = numbers_[0], y = numbers_[1], z = numbers_[2], w = numbers_[3];
   const double numbers[12] = {
       1.0 - 2.0 * (y * y + z * z), 2.0 * (x * y + w * z), 2.0 * (x * z - w * y),
       2.0 * (x * y - w * z), 1.0 - 2.0 * (x * x + z * z), 2.0 * (y * z + w * x),
@@ -61,24 +61,19 @@ void Quaternion::getMatrix(AffineMatrix& matrix) const noexcept {
 }
 
 Quaternion slerp(const Quaternion& a, const Quaternion& b, double t) noexcept {
-  using All = detail::Numbers<double, 4>;
-  All from = All::at<double>(a);
-  const All to = All::at<double>(b);
-  double cosine = detail::sumOfProducts(from.n, to.n);
-  if (cosine < 0.0) {
-    from = -1.0 * from;
-    cosine = -cosine;
-  }
+  const double product = detail::dot(a, b);
+  const Quaternion from = product < 0.0 ? -a : a;
+  const double cosine = std::fabs(product);
   if (cosine > parallelTol) {
-    Quaternion between((from + t * (to - from)).n);
+    Quaternion between = from + t * (b - from);
     between.normalize();
     return between;
   }
-  const All aside = to - cosine * from; // at a right angle to `from`, as long as the sine of the angle
-  const double sine = detail::length(aside.n);
-  // The arc cosine of `cosine`, without its loss of digits where the angle is small.
-  const double angle = std::atan2(sine, cosine) * t;
-  return Quaternion((std::cos(angle) * from + (std::sin(angle) / sine) * aside).n);
+  const Quaternion aside = b - cosine * from; // at a right angle to `from`, as long as the sine of the angle
+  const double sine = aside.length();
+  // Where the angle is small, its cosine has lost the digits that its sine still has.
+  const double angle = (sine < cosine ? std::asin(sine) : std::acos(std::min(cosine, 1.0))) * t;
+  return std::cos(angle) * from + (std::sin(angle) / sine) * aside;
 }
 
 } // namespace qvLinear

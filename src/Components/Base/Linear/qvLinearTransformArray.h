@@ -1,22 +1,23 @@
 // Many values through one matrix.
 #pragma once
 
+#include "Base/Linear/qvLinearComponents.h"
+
 #include <cstddef>
 
 namespace qvLinear::detail {
 
-/// Calls `transform` for `count` values, two at a time: both are read before either is stored, so that a compiler can
-/// calculate numbers of both in one register, and `out` may be `in`.
-template <class Element, class Transform>
+/// Calls `transform` for `count` values, `group` at a time: all of these are read before one is stored, so that a
+/// compiler can calculate numbers of several in one register, and `out` may be `in`.
+template <int group, class Element, class Transform>
 void transformArray(Element* out, const Element* in, std::size_t count, Transform transform) noexcept {
-  std::size_t i = 0;
-  for (; i + 1 < count; i += 2) {
-    const auto first = transform(in[i]);
-    const auto second = transform(in[i + 1]);
-    first.storeAt(static_cast<typename Element::Number*>(out[i]));
-    second.storeAt(static_cast<typename Element::Number*>(out[i + 1]));
+  using Number = typename Element::Number;
+  for (; count >= group; count -= group, in += group, out += group) {
+    decltype(transform(*in)) results[group];
+    forEach<group>([&](int i) { results[i] = transform(in[i]); });
+    forEach<group>([&](int i) { results[i].storeAt(static_cast<Number*>(out[i])); });
   }
-  if (i < count) transform(in[i]).storeAt(static_cast<typename Element::Number*>(out[i]));
+  for (; count > 0; --count, ++in, ++out) transform(*in).storeAt(static_cast<Number*>(*out));
 }
 
 } // namespace qvLinear::detail

@@ -10,9 +10,9 @@ namespace {
 /// gives the identity.
 Linear3 rotation(const Vector& v, double sine, double versine) noexcept {
   const double x = v[0], y = v[1], z = v[2];
-  return {{1.0 - versine * (y * y + z * z), versine * x * y + sine * z, versine * x * z - sine * y,
+  return {1.0 - versine * (y * y + z * z), versine * x * y + sine * z, versine * x * z - sine * y,
            versine * x * y - sine * z, 1.0 - versine * (x * x + z * z), versine * y * z + sine * x,
-           versine * x * z + sine * y, versine * y * z - sine * x, 1.0 - versine * (x * x + y * y)}};
+           versine * x * z + sine * y, versine * y * z - sine * x, 1.0 - versine * (x * x + y * y)};
 }
 
 /// The axis to which `n` is the least parallel.

@@ -1,8 +1,8 @@
-// Rotations and reflections, put in front of a matrix whose rows have `Width` numbers: three or four.
+// Rotations and reflections, put in front of a matrix whose rows have `width` numbers: three or four.
 #pragma once
 
-#include "Base/Linear/qvLinearForward.h"
 #include "Base/Linear/qvLinearMatrixKernel.h"
+#include "Base/Linear/qvLinearPoint.h"
 
 namespace qvLinear::detail {
 
@@ -13,33 +13,34 @@ using Linear3 = Numbers<double, 9>; // three rows of three
 /// By the plane through the origin with this normal.
 [[nodiscard]] Linear3 reflection(const Normal& normal) noexcept;
 
-template <int Width>
+template <int width>
 void applyFirst(double* matrix, const Linear3& first) noexcept {
   using Weights = Numbers<double, 3>;
-  const auto x = weighted<Width>(Weights::at(first.n), matrix);
-  const auto y = weighted<Width>(Weights::at(first.n + 3), matrix);
-  const auto z = weighted<Width>(Weights::at(first.n + 6), matrix);
+  const auto x = weighted<width>(Weights::at(first.n), matrix);
+  const auto y = weighted<width>(Weights::at(first.n + 3), matrix);
+  const auto z = weighted<width>(Weights::at(first.n + 6), matrix);
   x.storeAt(matrix);
-  y.storeAt(matrix + Width);
-  z.storeAt(matrix + 2 * Width);
+  y.storeAt(matrix + width);
+  z.storeAt(matrix + 2 * width);
 }
 
-/// `first` with the point `center` in the place of the origin.
-template <int Width>
-void applyFirstAbout(const double* center, double* matrix, const Linear3& first) noexcept {
-  translateFirst<Width>(matrix, center[0], center[1], center[2]);
-  applyFirst<Width>(matrix, first);
-  translateFirst<Width>(matrix, -center[0], -center[1], -center[2]);
+/// `first` with `center` in the place of the origin.
+template <int width>
+void applyFirstAbout(const Point& center, double* matrix, const Linear3& first) noexcept {
+  const auto still = Numbers<double, 3>::at<double>(center);
+  const auto offset = still - weighted<3>(still, first.n);
+  translateFirst<width>(matrix, offset[0], offset[1], offset[2]);
+  applyFirst<width>(matrix, first);
 }
 
 /// Turns the axis of row `from` towards that of row `to`.
-template <int Width>
+template <int width>
 void turnFirst(double* matrix, int from, int to, double angle) noexcept {
-  using Row = Numbers<double, Width>;
+  using Row = Numbers<double, width>;
   const double sine = std::sin(angle), cosine = std::cos(angle);
-  const Row a = Row::at(matrix + from * Width), b = Row::at(matrix + to * Width);
-  (cosine * a + sine * b).storeAt(matrix + from * Width);
-  (cosine * b - sine * a).storeAt(matrix + to * Width);
+  const Row a = Row::at(matrix + from * width), b = Row::at(matrix + to * width);
+  (cosine * a + sine * b).storeAt(matrix + from * width);
+  (cosine * b - sine * a).storeAt(matrix + to * width);
 }
 
 } // namespace qvLinear::detail
