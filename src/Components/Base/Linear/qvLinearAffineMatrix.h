@@ -21,7 +21,7 @@ namespace qvLinear {
 ///
 /// What builds a transform (`translate`, `scale`, the `rotate` forms, `mirror`) puts it in front of what the
 /// matrix holds, so that it acts on a point first.
-class AffineMatrix : public detail::Matrix<AffineMatrix, double, 4, 3> {
+class AffineMatrix : public base::Matrix<AffineMatrix, double, 4, 3> {
 public:
   static QV_BASE_API const AffineMatrix Identity;
 

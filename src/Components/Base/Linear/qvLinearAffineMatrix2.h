@@ -10,7 +10,7 @@
 namespace qvLinear {
 
 /// As `AffineMatrix`, a dimension lower: six numbers, the two rows of the linear part and then the translation.
-class AffineMatrix2 : public detail::Matrix<AffineMatrix2, double, 3, 2> {
+class AffineMatrix2 : public base::Matrix<AffineMatrix2, double, 3, 2> {
 public:
   static QV_BASE_API const AffineMatrix2 Identity;
 

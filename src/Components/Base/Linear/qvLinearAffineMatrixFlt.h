@@ -6,7 +6,7 @@
 namespace qvLinear {
 
 /// As `AffineMatrix`, with the part of its operations that narrow data need.
-class AffineMatrixFlt : public detail::Matrix<AffineMatrixFlt, float, 4, 3> {
+class AffineMatrixFlt : public base::Matrix<AffineMatrixFlt, float, 4, 3> {
 public:
   static QV_BASE_API const AffineMatrixFlt Identity;
 

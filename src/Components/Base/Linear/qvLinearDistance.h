@@ -13,7 +13,7 @@ concept Distant = OneOf<T, Point, Point2, PointFlt, Point2Flt, Tuple2, Tuple3>;
 
 template <class T>
 concept Comparable = OneOf<T, Vector, Vector2, VectorFlt, Vector2Flt, Normal, Point, Point2, PointFlt,
-                           Point2Flt, RPoint, HPoint>;
+                           Point2Flt, RPoint, HPoint, Quaternion>;
 
 } // namespace detail
 

@@ -4,9 +4,8 @@
 #include "Base/Linear/qvLinearForward.h"
 #include "Base/Linear/qvLinearMatrixKernel.h"
 
-namespace qvLinear {
-
-namespace detail {
+// Not in `detail`: the functions there would be looked up for every matrix.
+namespace qvLinear::base {
 
 /// The base of class `Self`: `rows` rows of `width` numbers of type `T` and nothing else. Points are rows and stand on
 /// the left: `p * A * B` applies A first. A matrix with as many rows as columns is the whole one; where there is a
@@ -19,7 +18,7 @@ public:
   static constexpr int size = rows * width;
 
   /// @{ All numbers, in storage order, row by row.
-  constexpr void set(PointerTo<T> auto numbers) noexcept { m_ = All::at(numbers); }
+  constexpr void set(detail::PointerTo<T> auto numbers) noexcept { m_ = All::at(numbers); }
   constexpr void get(std::same_as<T*> auto numbers) const noexcept { m_.storeAt(numbers); }
   /// A template, so that a matrix is a pointer only where one is asked for.
   template <std::same_as<T> P>
@@ -37,7 +36,7 @@ public:
 
   /// out = m * this; any of them may be the same.
   constexpr void preMult(Self& out, const Self& m) const noexcept {
-    multiply<rows, width>(out.m_.n, m.m_.n, m_.n);
+    detail::multiply<rows, width>(out.m_.n, m.m_.n, m_.n);
   }
   /// this = m * this.
   constexpr void preMult(const Self& m) noexcept { preMult(self(), m); }
@@ -63,7 +62,7 @@ public:
 
   [[gnu::always_inline]] friend constexpr Self operator*(const Self& a, const Self& b) noexcept {
     Self product; // inlined, or it would be stored and copied to where it is assigned
-    multiply<rows, width>(product.m_.n, a.m_.n, b.m_.n);
+    detail::multiply<rows, width>(product.m_.n, a.m_.n, b.m_.n);
     return product;
   }
   friend constexpr Self operator+(Self a, const Self& b) noexcept { return a += b; }
@@ -74,7 +73,7 @@ public:
   friend constexpr bool operator==(const Self& a, const Self& b) noexcept { return a.m_ == b.m_; }
 
 protected:
-  using All = Numbers<T, size>;
+  using All = detail::Numbers<T, size>;
 
   Matrix() = default;
   explicit constexpr Matrix(const All& numbers) noexcept : m_(numbers) {}
@@ -90,6 +89,12 @@ private:
   constexpr Self& self() noexcept { return static_cast<Self&>(*this); }
 };
 
+} // namespace qvLinear::base
+
+namespace qvLinear {
+
+namespace detail {
+
 template <class T>
 concept AnyMatrix =
     OneOf<T, AffineMatrix, AffineMatrixFlt, AffineMatrix2, ProjMatrix, ProjMatrixFlt>;
@@ -98,11 +103,10 @@ concept AnyMatrix =
 
 /// Whether all numbers differ by strictly less than `tolerance`. Narrow numbers are subtracted wide.
 template <detail::AnyMatrix M>
-[[nodiscard]] constexpr bool equivalent(const M& a, const M& b, double tolerance) noexcept {
-  const typename M::Number *numbersA = a, *numbersB = b;
+[[nodiscard]] inline bool equivalent(const M& a, const M& b, double tolerance) noexcept {
+  const typename M::Number *left = a, *right = b;
   bool same = true;
-  detail::forEach<M::size>(
-      [&](int i) { same &= std::fabs(double{numbersA[i]} - double{numbersB[i]}) < tolerance; });
+  detail::forEach<M::size>([&](int i) { same &= std::fabs(double{left[i]} - double{right[i]}) < tolerance; });
   return same;
 }
 

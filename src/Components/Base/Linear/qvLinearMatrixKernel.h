@@ -123,40 +123,41 @@ private:
 /// @{
 inline bool invertAffineFast(double* m) noexcept {
   using Row = Numbers<double, 3>;
-  const Row x = Row::at(m), y = Row::at(m + 3), z = Row::at(m + 6);
+  const Row x = Row::at(m), y = Row::at(m + 3), z = Row::at(m + 6), t = Row::at(m + 9);
   const Row yz = cross(y, z), zx = cross(z, x), xy = cross(x, y);
   const double determinant = dot(x, yz);
   if (!isUsableDeterminant(determinant)) return false;
-  const double factor = 1.0 / determinant;
-  const Row a = factor * yz, b = factor * zx, c = factor * xy;
-  const Numbers<double, 9> linear(a[0], b[0], c[0], a[1], b[1], c[1], a[2], b[2], c[2]);
-  const Row translation = -1.0 * rowTimes<3>(m + 9, linear.n);
-  linear.storeAt(m);
-  translation.storeAt(m + 9);
+  const Numbers<double, 9> cofactors(yz[0], zx[0], xy[0], yz[1], zx[1], xy[1], yz[2], zx[2], xy[2]);
+  const Row translation = weighted<3>(t, cofactors.n);
+  const double factor = 1.0 / determinant; // last, since all else need not wait for it
+  (factor * cofactors).storeAt(m);
+  (-factor * translation).storeAt(m + 9);
   return true;
 }
 
 inline bool invertProjectiveFast(double* m) noexcept {
-  using Pair = Numbers<double, 2>;
-  const Minors<double> minors(m);
-  const double determinant = minors.determinant();
+  // Two numbers for one register: always the same of the upper half of the matrix and of its lower half, so that all
+  // minors and cofactors come in pairs. Left to itself, a compiler calculates them one by one.
+  using Pair [[gnu::vector_size(16)]] = double;
+  const auto inRow = [m](int row, int column) { return Pair{m[4 * row + column], m[4 * row + 8 + column]}; };
+  const Pair r0 = inRow(0, 0), r1 = inRow(0, 1), r2 = inRow(0, 2), r3 = inRow(0, 3);
+  const Pair s0 = inRow(1, 0), s1 = inRow(1, 1), s2 = inRow(1, 2), s3 = inRow(1, 3);
+  // The minors of two columns, with that of the lower half first.
+  const auto swapped = [](Pair pair) { return Pair{pair[1], pair[0]}; };
+  const Pair m01 = swapped(r0 * s1 - r1 * s0), m02 = swapped(r0 * s2 - r2 * s0), m03 = swapped(r0 * s3 - r3 * s0);
+  const Pair m12 = swapped(r1 * s2 - r2 * s1), m13 = swapped(r1 * s3 - r3 * s1), m23 = swapped(r2 * s3 - r3 * s2);
+  const Pair halves = m01 * swapped(m23) - m02 * swapped(m13) + m03 * swapped(m12);
+  const double determinant = halves[0] + halves[1];
   if (!isUsableDeterminant(determinant)) return false;
   const double factor = 1.0 / determinant;
-  // Of each column, the numbers that are multiplied by the minors of the other half: two cofactors at a time.
-  const auto upper = [&](int column) { return Pair(factor * m[4 + column], -factor * m[column]); };
-  const auto lower = [&](int column) { return Pair(factor * m[12 + column], -factor * m[8 + column]); };
-  const Pair p0 = upper(0), p1 = upper(1), p2 = upper(2), p3 = upper(3);
-  const Pair q0 = lower(0), q1 = lower(1), q2 = lower(2), q3 = lower(3);
-  const auto& u = minors.upper;
-  const auto& l = minors.lower;
-  (l[5] * p1 - l[4] * p2 + l[3] * p3).storeAt(m);
-  (u[5] * q1 - u[4] * q2 + u[3] * q3).storeAt(m + 2);
-  (l[2] * p2 - l[5] * p0 - l[1] * p3).storeAt(m + 4);
-  (u[2] * q2 - u[5] * q0 - u[1] * q3).storeAt(m + 6);
-  (l[4] * p0 - l[2] * p1 + l[0] * p3).storeAt(m + 8);
-  (u[4] * q0 - u[2] * q1 + u[0] * q3).storeAt(m + 10);
-  (l[1] * p1 - l[3] * p0 - l[0] * p2).storeAt(m + 12);
-  (u[1] * q1 - u[3] * q0 - u[0] * q2).storeAt(m + 14);
+  const auto store = [m, factor](int row, Pair even, Pair odd) {
+    even *= factor, odd *= factor;
+    Numbers<double, 4>(even[0], odd[0], even[1], odd[1]).storeAt(m + 4 * row);
+  };
+  store(0, s1 * m23 - s2 * m13 + s3 * m12, r2 * m13 - r1 * m23 - r3 * m12);
+  store(1, s2 * m03 - s0 * m23 - s3 * m02, r0 * m23 - r2 * m03 + r3 * m02);
+  store(2, s0 * m13 - s1 * m03 + s3 * m01, r1 * m03 - r0 * m13 - r3 * m01);
+  store(3, s1 * m02 - s0 * m12 - s2 * m01, r0 * m12 - r1 * m02 + r2 * m01);
   return true;
 }
 /// @}

@@ -20,8 +20,7 @@ struct Numbers {
   /// The value whose number `i` is `number(i)`.
   template <class Function>
   [[gnu::always_inline]] static constexpr Numbers made(Function number) noexcept {
-    return [&]<int... i>(std::integer_sequence<int, i...>) { return Numbers(static_cast<T>(number(i))...); }
-    (std::make_integer_sequence<int, count>());
+    return madeOf(number, Places());
   }
 
   /// What stands at `from`, of this number type or the other.
@@ -30,10 +29,7 @@ struct Numbers {
     return made([from](int i) { return from[i]; });
   }
 
-  [[gnu::always_inline]] constexpr void storeAt(T* to) const noexcept {
-    [&]<int... i>(std::integer_sequence<int, i...>) { ((to[i] = n[i]), ...); }
-    (std::make_integer_sequence<int, count>());
-  }
+  [[gnu::always_inline]] constexpr void storeAt(T* to) const noexcept { storePlaces(to, Places()); }
 
   [[nodiscard]] constexpr T operator[](int place) const noexcept { return n[place]; }
 
@@ -49,6 +45,19 @@ struct Numbers {
   bool operator==(const Numbers&) const = default;
 
   T n[count];
+
+private:
+  using Places = std::make_integer_sequence<int, count>;
+
+  template <class Function, int... i>
+  [[gnu::always_inline]] static constexpr Numbers madeOf(const Function& number,
+                                                         std::integer_sequence<int, i...>) noexcept {
+    return Numbers(static_cast<T>(number(i))...);
+  }
+  template <int... i>
+  [[gnu::always_inline]] constexpr void storePlaces(T* to, std::integer_sequence<int, i...>) const noexcept {
+    ((to[i] = n[i]), ...);
+  }
 };
 
 /// The sum of as many rows of `width` numbers as there are weights, each times its weight. A row begins `stride`

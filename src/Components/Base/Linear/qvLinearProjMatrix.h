@@ -11,7 +11,7 @@ namespace qvLinear {
 /// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of what
 /// the matrix holds, so that it acts on a point first. The base gives `set`, `get`, `[]`, a pointer, `identity`,
 /// `zero`, comparison, sums and products.
-class ProjMatrix : public detail::Matrix<ProjMatrix, double, 4, 4> {
+class ProjMatrix : public base::Matrix<ProjMatrix, double, 4, 4> {
 public:
   static QV_BASE_API const ProjMatrix Identity;
 

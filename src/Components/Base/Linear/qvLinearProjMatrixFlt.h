@@ -6,7 +6,7 @@
 namespace qvLinear {
 
 /// As `ProjMatrix`, with the part of its operations that narrow data need.
-class ProjMatrixFlt : public detail::Matrix<ProjMatrixFlt, float, 4, 4> {
+class ProjMatrixFlt : public base::Matrix<ProjMatrixFlt, float, 4, 4> {
 public:
   static QV_BASE_API const ProjMatrixFlt Identity;
 

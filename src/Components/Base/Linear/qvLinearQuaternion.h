@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Base/Linear/qvLinearAffineMatrix.h"
+#include "Base/Linear/qvLinearDistance.h"
 #include "Base/Linear/qvLinearNormal.h"
 
 namespace qvLinear {
@@ -10,7 +11,7 @@ namespace qvLinear {
 /// radians; a positive one turns counter-clockwise, seen from the tip of the axis. The base gives `set`, `get`, `[]`,
 /// pointers, comparison, sums and products, number by number. A quaternion and its negative are the same rotation
 /// and not equal.
-class Quaternion : public detail::Arithmetic<Quaternion, double, 4> {
+class Quaternion : public base::Arithmetic<Quaternion, double, 4> {
 public:
   Quaternion() = default;
   constexpr Quaternion(double x, double y, double z, double w) noexcept : Arithmetic(x, y, z, w) {}
