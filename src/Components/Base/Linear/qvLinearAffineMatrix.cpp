@@ -70,13 +70,13 @@ AffineMatrix AffineMatrix::normalMatrix(bool& ok) const noexcept {
 void AffineMatrix::preMult(Point* out, const Point* in, std::size_t count) const noexcept {
   const All m = m_; // `out` cannot be a part of it
   detail::transformArray<2>(out, in, count,
-                         [&](const Point& p) { return detail::rowTimesAffine<3, double>(p, m.n); });
+                            [&](const Point& p) { return detail::rowTimesAffine<3, double>(p, m.n); });
 }
 
 void AffineMatrix::preMult(Vector* out, const Vector* in, std::size_t count) const noexcept {
   const All m = m_;
   detail::transformArray<2>(out, in, count,
-                         [&](const Vector& v) { return detail::rowTimes<3, double>(v, m.n); });
+                            [&](const Vector& v) { return detail::rowTimes<3, double>(v, m.n); });
 }
 
 void AffineMatrix::preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept {

@@ -16,8 +16,8 @@
 
 namespace qvLinear {
 
-/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians. The base gives
-/// `set`, `get`, `[]`, a pointer, `identity`, `zero`, comparison, sums and products.
+/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians. The base
+/// gives `set`, `get`, `[]`, a pointer, `identity`, `zero`, comparison, sums and products.
 ///
 /// What builds a transform (`translate`, `scale`, the `rotate` forms, `mirror`) puts it in front of what the
 /// matrix holds, so that it acts on a point first.
@@ -29,15 +29,16 @@ public:
   /// `value` on the diagonal of the linear part; all else, the translation too, is 0.
   explicit constexpr AffineMatrix(double value) noexcept : Matrix(diagonal(value)) {}
   /// All twelve, in storage order.
-  explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept
+      : Matrix(All::at(numbers)) {}
   AffineMatrix(const AffineMatrixFlt& narrow) noexcept;
   /// The affine part of `matrix`, without a look at `isAffine`: its fourth column is left out.
   AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept;
 
   /// Row i of the linear part becomes a[i] times `b`, the translation 0.
   AffineMatrix& outerProduct(const Vector& a, const Vector& b) noexcept;
-  /// The linear part becomes the skew-symmetric matrix with the rows (0, -z, y), (z, 0, -x), (-y, x, 0) of `v`,
-  /// the translation 0.
+  /// The linear part becomes the skew-symmetric matrix with the rows (0, -z, y), (z, 0, -x), (-y, x, 0) of
+  /// `v`, the translation 0.
   AffineMatrix& crossMatrix(const Vector& v) noexcept;
 
   AffineMatrix& translate(double x, double y, double z) noexcept {
@@ -79,8 +80,8 @@ public:
   /// Makes the matrix its inverse, by Gauss-Jordan elimination with partial pivoting.
   /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
   QV_BASE_API bool invert() noexcept;
-  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is below
-  /// `epsilonTol`. A scale by 1e-5 can be inverted by `invert` alone.
+  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is
+  /// below `epsilonTol`. A scale by 1e-5 can be inverted by `invert` alone.
   bool invertFast() noexcept { return detail::invertAffineFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
   [[nodiscard]] QV_BASE_API AffineMatrix inverse() const noexcept;
@@ -97,8 +98,9 @@ public:
   /// The direction goes as a vector and is normalised again.
   QV_BASE_API void preMult(Line& out, const Line& in) const noexcept;
   QV_BASE_API void preMult(ParamLine& out, const ParamLine& in) const noexcept;
-  /// The normal goes by `normalMatrix` and is normalised again: it stays the direction of `cross(u, v)`, where u and
-  /// v span the plane and go with it. Where the matrix has no inverse, the normal goes as a vector.
+  /// The normal goes by `normalMatrix` and is normalised again: it stays the direction of `cross(u, v)`,
+  /// where u and v span the plane and go with it. Where the matrix has no inverse, the normal goes as a
+  /// vector.
   QV_BASE_API void preMult(Plane& out, const Plane& in) const noexcept;
   QV_BASE_API void preMult(ParamPlane& out, const ParamPlane& in) const noexcept;
   /// The bounds of the eight transformed corners. An empty range stays empty.
@@ -117,11 +119,11 @@ public:
   [[nodiscard]] Vector getTranslate() const noexcept { return Vector((*this)[3]); }
   /// @}
 
-  /// What transforms directions: the transposed inverse. Where there is none, `ok` is false and the result is a
-  /// copy of this matrix.
+  /// What transforms directions: the transposed inverse. Where there is none, `ok` is false and the result is
+  /// a copy of this matrix.
   [[nodiscard]] QV_BASE_API AffineMatrix vectorMatrix(bool& ok) const noexcept;
-  /// What transforms surface normals: as `vectorMatrix`, and, where this matrix mirrors, times -1, so that the
-  /// mirror does not turn them inwards.
+  /// What transforms surface normals: as `vectorMatrix`, and, where this matrix mirrors, times -1, so that
+  /// the mirror does not turn them inwards.
   [[nodiscard]] QV_BASE_API AffineMatrix normalMatrix(bool& ok) const noexcept;
 
 private:
@@ -129,7 +131,8 @@ private:
 };
 
 static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineMatrix> &&
-              std::is_standard_layout_v<AffineMatrix> && std::is_trivially_default_constructible_v<AffineMatrix>);
+              std::is_standard_layout_v<AffineMatrix> &&
+              std::is_trivially_default_constructible_v<AffineMatrix>);
 
 /// @{ The transformed value, by `preMult`.
 [[nodiscard]] inline Point operator*(const Point& p, const AffineMatrix& m) noexcept {
@@ -154,8 +157,8 @@ static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineM
 [[nodiscard]] QV_BASE_API Range3d operator*(const Range3d& range, const AffineMatrix& m) noexcept;
 /// @}
 
-/// "AffineMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the numbers
-/// as the stream writes them.
+/// "AffineMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the
+/// numbers as the stream writes them.
 QV_BASE_API std::ostream& operator<<(std::ostream& out, const AffineMatrix& m);
 
 inline AffineMatrix& AffineMatrix::outerProduct(const Vector& a, const Vector& b) noexcept {

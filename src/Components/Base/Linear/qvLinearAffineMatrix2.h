@@ -9,14 +9,16 @@
 
 namespace qvLinear {
 
-/// As `AffineMatrix`, a dimension lower: six numbers, the two rows of the linear part and then the translation.
+/// As `AffineMatrix`, a dimension lower: six numbers, the two rows of the linear part and then the
+/// translation.
 class AffineMatrix2 : public base::Matrix<AffineMatrix2, double, 3, 2> {
 public:
   static QV_BASE_API const AffineMatrix2 Identity;
 
   AffineMatrix2() = default;
   explicit constexpr AffineMatrix2(double value) noexcept : Matrix(diagonal(value)) {}
-  explicit constexpr AffineMatrix2(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  explicit constexpr AffineMatrix2(detail::PointerTo<double> auto numbers) noexcept
+      : Matrix(All::at(numbers)) {}
 
   /// @{ Put in front, so that they act on a point first.
   AffineMatrix2& translate(double x, double y) noexcept;

@@ -12,7 +12,8 @@ public:
 
   AffineMatrixFlt() = default;
   explicit constexpr AffineMatrixFlt(float value) noexcept : Matrix(diagonal(value)) {}
-  explicit constexpr AffineMatrixFlt(detail::PointerTo<float> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  explicit constexpr AffineMatrixFlt(detail::PointerTo<float> auto numbers) noexcept
+      : Matrix(All::at(numbers)) {}
   /// @{ Narrows.
   explicit AffineMatrixFlt(const AffineMatrix& wide) noexcept : Matrix(All::at<double>(wide)) {}
   AffineMatrixFlt& operator=(const AffineMatrix& wide) noexcept { return *this = AffineMatrixFlt(wide); }

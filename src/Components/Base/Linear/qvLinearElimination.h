@@ -18,7 +18,8 @@ void bringUpPivot(Numbers<double, 2 * size> (&rows)[size], int column) noexcept 
   if (largest != column) std::swap(rows[column], rows[largest]);
 }
 
-/// `matrix`, of `size` rows, becomes its inverse. False, with nothing changed, where a pivot is below `epsilonTol`.
+/// `matrix`, of `size` rows, becomes its inverse. False, with nothing changed, where a pivot is below
+/// `epsilonTol`.
 template <int size>
 bool invertByElimination(double* matrix) noexcept {
   using Row = Numbers<double, 2 * size>; // of the matrix, and of what becomes the inverse

@@ -7,10 +7,10 @@
 // Not in `detail`: the functions there would be looked up for every matrix.
 namespace qvLinear::base {
 
-/// The base of class `Self`: `rows` rows of `width` numbers of type `T` and nothing else. Points are rows and stand on
-/// the left: `p * A * B` applies A first. A matrix with as many rows as columns is the whole one; where there is a
-/// row more, it is affine: that row is the translation, and the last column, 0 but for its end of 1, is not stored.
-/// Default construction leaves the numbers as they are in memory.
+/// The base of class `Self`: `rows` rows of `width` numbers of type `T` and nothing else. Points are rows and
+/// stand on the left: `p * A * B` applies A first. A matrix with as many rows as columns is the whole one;
+/// where there is a row more, it is affine: that row is the translation, and the last column, 0 but for its
+/// end of 1, is not stored. Default construction leaves the numbers as they are in memory.
 template <class Self, class T, int rows, int width>
 class Matrix {
 public:
@@ -96,8 +96,7 @@ namespace qvLinear {
 namespace detail {
 
 template <class T>
-concept AnyMatrix =
-    OneOf<T, AffineMatrix, AffineMatrixFlt, AffineMatrix2, ProjMatrix, ProjMatrixFlt>;
+concept AnyMatrix = OneOf<T, AffineMatrix, AffineMatrixFlt, AffineMatrix2, ProjMatrix, ProjMatrixFlt>;
 
 } // namespace detail
 

@@ -1,6 +1,6 @@
-// The arithmetic that matrices of either number type share, on their numbers in storage order: `size` rows of as
-// many numbers, after which an affine matrix has one more, the translation. A detail of the matrices, installed
-// because they are inline.
+// The arithmetic that matrices of either number type share, on their numbers in storage order: `size` rows of
+// as many numbers, after which an affine matrix has one more, the translation. A detail of the matrices,
+// installed because they are inline.
 #pragma once
 
 #include "Base/Linear/qvLinearNumbers.h"
@@ -11,32 +11,35 @@ namespace qvLinear::detail {
 /// The row of `size` numbers at `row` times the matrix, without a translation.
 template <int size, class T>
 [[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> rowTimes(const T* row,
-                                                                           const T* matrix) noexcept {
+                                                                      const T* matrix) noexcept {
   return weighted<size>(Numbers<T, size>::at(row), matrix);
 }
 
 /// The same with the translation.
 template <int size, class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size>
-rowTimesAffine(const T* row, const T* matrix) noexcept {
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> rowTimesAffine(const T* row,
+                                                                            const T* matrix) noexcept {
   return rowTimes<size>(row, matrix) + Numbers<T, size>::at(matrix + size * size);
 }
 
 template <int size, bool affine, class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> lastRowTimes(const T* row, const T* matrix) noexcept {
-  if constexpr (affine) return rowTimesAffine<size>(row, matrix);
-  else return rowTimes<size>(row, matrix);
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> lastRowTimes(const T* row,
+                                                                          const T* matrix) noexcept {
+  if constexpr (affine)
+    return rowTimesAffine<size>(row, matrix);
+  else
+    return rowTimes<size>(row, matrix);
 }
 
 /// The three coordinates of a homogeneous point, whose weight stays.
 template <class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, 3>
-homogeneousTimesAffine(const T* point, const T* matrix) noexcept {
+[[nodiscard, gnu::always_inline]] constexpr Numbers<T, 3> homogeneousTimesAffine(const T* point,
+                                                                                 const T* matrix) noexcept {
   return weighted<3>(Numbers<T, 4>::at(point), matrix);
 }
 
-/// out = a * b, which have `rows` rows of `width` numbers: as many, or, where they are affine, one more. Any two of
-/// them may be the same matrix.
+/// out = a * b, which have `rows` rows of `width` numbers: as many, or, where they are affine, one more. Any
+/// two of them may be the same matrix.
 template <int rows, int width, class T>
 [[gnu::always_inline]] constexpr void multiply(T* out, const T* a, const T* b) noexcept {
   using Row = Numbers<T, width>;
@@ -44,9 +47,8 @@ template <int rows, int width, class T>
   const auto term = [&](int row, int k) { return a[width * row + k] * Row::at(b + width * k); };
   Row sums[rows];
   forEach<rows>([&](int row) { sums[row] = term(row, 0); });
-  forEach<width - 1>([&](int k) {
-    forEach<rows>([&](int row) { sums[row] = sums[row] + term(row, k + 1); });
-  });
+  forEach<width - 1>(
+      [&](int k) { forEach<rows>([&](int row) { sums[row] = sums[row] + term(row, k + 1); }); });
   if constexpr (rows > width) sums[width] = sums[width] + Row::at(b + width * width);
   forEach<rows>([&](int row) { sums[row].storeAt(out + width * row); });
 }
@@ -99,8 +101,8 @@ struct Minors {
   constexpr explicit Minors(const T* m) noexcept : upper(ofRows(m, m + 4)), lower(ofRows(m + 8, m + 12)) {}
 
   [[nodiscard]] constexpr T determinant() const noexcept {
-    return upper[0] * lower[5] - upper[1] * lower[4] + upper[2] * lower[3] +
-           upper[3] * lower[2] - upper[4] * lower[1] + upper[5] * lower[0];
+    return upper[0] * lower[5] - upper[1] * lower[4] + upper[2] * lower[3] + upper[3] * lower[2] -
+           upper[4] * lower[1] + upper[5] * lower[0];
   }
 
   Numbers<T, 6> upper; // of the columns 01 02 03 12 13 23
@@ -109,7 +111,7 @@ struct Minors {
 private:
   [[gnu::always_inline]] static constexpr Numbers<T, 6> ofRows(const T* a, const T* b) noexcept {
     return {a[0] * b[1] - a[1] * b[0], a[0] * b[2] - a[2] * b[0], a[0] * b[3] - a[3] * b[0],
-             a[1] * b[2] - a[2] * b[1], a[1] * b[3] - a[3] * b[1], a[2] * b[3] - a[3] * b[2]};
+            a[1] * b[2] - a[2] * b[1], a[1] * b[3] - a[3] * b[1], a[2] * b[3] - a[3] * b[2]};
   }
 };
 
@@ -136,16 +138,18 @@ inline bool invertAffineFast(double* m) noexcept {
 }
 
 inline bool invertProjectiveFast(double* m) noexcept {
-  // Two numbers for one register: always the same of the upper half of the matrix and of its lower half, so that all
-  // minors and cofactors come in pairs. Left to itself, a compiler calculates them one by one.
+  // Two numbers for one register: always the same of the upper half of the matrix and of its lower half, so
+  // that all minors and cofactors come in pairs. Left to itself, a compiler calculates them one by one.
   using Pair [[gnu::vector_size(16)]] = double;
   const auto inRow = [m](int row, int column) { return Pair{m[4 * row + column], m[4 * row + 8 + column]}; };
   const Pair r0 = inRow(0, 0), r1 = inRow(0, 1), r2 = inRow(0, 2), r3 = inRow(0, 3);
   const Pair s0 = inRow(1, 0), s1 = inRow(1, 1), s2 = inRow(1, 2), s3 = inRow(1, 3);
   // The minors of two columns, with that of the lower half first.
   const auto swapped = [](Pair pair) { return Pair{pair[1], pair[0]}; };
-  const Pair m01 = swapped(r0 * s1 - r1 * s0), m02 = swapped(r0 * s2 - r2 * s0), m03 = swapped(r0 * s3 - r3 * s0);
-  const Pair m12 = swapped(r1 * s2 - r2 * s1), m13 = swapped(r1 * s3 - r3 * s1), m23 = swapped(r2 * s3 - r3 * s2);
+  const Pair m01 = swapped(r0 * s1 - r1 * s0), m02 = swapped(r0 * s2 - r2 * s0),
+             m03 = swapped(r0 * s3 - r3 * s0);
+  const Pair m12 = swapped(r1 * s2 - r2 * s1), m13 = swapped(r1 * s3 - r3 * s1),
+             m23 = swapped(r2 * s3 - r3 * s2);
   const Pair halves = m01 * swapped(m23) - m02 * swapped(m13) + m03 * swapped(m12);
   const double determinant = halves[0] + halves[1];
   if (!isUsableDeterminant(determinant)) return false;

@@ -1,6 +1,6 @@
-// What the matrices calculate with: a few numbers as one value, such as a row or a whole matrix. Each operation
-// comes out as straight code with a result that is complete before anything is stored, so that a compiler need
-// not fear that the target is also a source. Private to qvLinear.
+// What the matrices calculate with: a few numbers as one value, such as a row or a whole matrix. Each
+// operation comes out as straight code with a result that is complete before anything is stored, so that a
+// compiler need not fear that the target is also a source. Private to qvLinear.
 #pragma once
 
 #include "Base/Linear/qvLinearComponents.h"
@@ -14,7 +14,7 @@ struct Numbers {
 
   Numbers() = default;
   [[gnu::always_inline]] constexpr Numbers(std::same_as<T> auto... numbers) noexcept
-    requires(sizeof...(numbers) == count)
+      requires(sizeof...(numbers) == count)
       : n{numbers...} {}
 
   /// The value whose number `i` is `number(i)`.
@@ -60,8 +60,8 @@ private:
   }
 };
 
-/// The sum of as many rows of `width` numbers as there are weights, each times its weight. A row begins `stride`
-/// numbers after the one before it.
+/// The sum of as many rows of `width` numbers as there are weights, each times its weight. A row begins
+/// `stride` numbers after the one before it.
 template <int width, int stride = width, class T, int count>
 [[nodiscard, gnu::always_inline]] constexpr Numbers<T, width> weighted(const Numbers<T, count>& weights,
                                                                        const T* rows) noexcept {

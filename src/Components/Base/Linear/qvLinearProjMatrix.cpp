@@ -59,7 +59,7 @@ ProjMatrix ProjMatrix::inverse() const noexcept {
 void ProjMatrix::preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept {
   const All m = m_; // `out` cannot be a part of it
   detail::transformArray<1>(out, in, count,
-                         [&](const HPoint& p) { return detail::rowTimes<4, double>(p, m.n); });
+                            [&](const HPoint& p) { return detail::rowTimes<4, double>(p, m.n); });
 }
 
 std::ostream& operator<<(std::ostream& out, const ProjMatrix& m) {

@@ -1,5 +1,5 @@
-// A projective transform of space, such as a camera's. Points are rows and stand on the left: `p * A * B` applies A
-// first.
+// A projective transform of space, such as a camera's. Points are rows and stand on the left: `p * A * B`
+// applies A first.
 #pragma once
 
 #include "Base/Linear/qvLinearAffineMatrixFlt.h"
@@ -8,9 +8,9 @@
 
 namespace qvLinear {
 
-/// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of what
-/// the matrix holds, so that it acts on a point first. The base gives `set`, `get`, `[]`, a pointer, `identity`,
-/// `zero`, comparison, sums and products.
+/// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of
+/// what the matrix holds, so that it acts on a point first. The base gives `set`, `get`, `[]`, a pointer,
+/// `identity`, `zero`, comparison, sums and products.
 class ProjMatrix : public base::Matrix<ProjMatrix, double, 4, 4> {
 public:
   static QV_BASE_API const ProjMatrix Identity;
@@ -21,7 +21,8 @@ public:
   /// All sixteen, in storage order.
   explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
   /// @{ With the fourth column (0, 0, 0, 1).
-  ProjMatrix(const AffineMatrix& affine) noexcept : Matrix(detail::withFourthColumn<double, double>(affine)) {}
+  ProjMatrix(const AffineMatrix& affine) noexcept
+      : Matrix(detail::withFourthColumn<double, double>(affine)) {}
   explicit ProjMatrix(const AffineMatrixFlt& affine) noexcept
       : Matrix(detail::withFourthColumn<double, float>(affine)) {}
   /// @}
@@ -54,13 +55,15 @@ public:
   }
   /// Of the first three rows and columns.
   [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<4>(m_.n); }
-  [[nodiscard]] constexpr double det4x4() const noexcept { return detail::Minors<double>(m_.n).determinant(); }
+  [[nodiscard]] constexpr double det4x4() const noexcept {
+    return detail::Minors<double>(m_.n).determinant();
+  }
 
   /// Makes the matrix its inverse, by Gauss-Jordan elimination with partial pivoting.
   /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
   QV_BASE_API bool invert() noexcept;
-  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is below
-  /// `epsilonTol`.
+  /// The same by cofactors, for the well scaled: false, with the matrix unchanged, where the determinant is
+  /// below `epsilonTol`.
   bool invertFast() noexcept { return detail::invertProjectiveFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
   [[nodiscard]] QV_BASE_API ProjMatrix inverse() const noexcept;
@@ -107,8 +110,8 @@ static_assert(sizeof(ProjMatrix) == 128 && std::is_trivially_copyable_v<ProjMatr
 }
 /// @}
 
-/// "ProjMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the numbers
-/// as the stream writes them.
+/// "ProjMatrix(", the four rows, each on a line of its own with commas between its numbers, and ")"; the
+/// numbers as the stream writes them.
 QV_BASE_API std::ostream& operator<<(std::ostream& out, const ProjMatrix& m);
 
 inline AffineMatrix::AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept

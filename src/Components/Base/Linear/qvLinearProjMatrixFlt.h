@@ -12,7 +12,8 @@ public:
 
   ProjMatrixFlt() = default;
   explicit constexpr ProjMatrixFlt(float value) noexcept : Matrix(diagonal(value)) {}
-  explicit constexpr ProjMatrixFlt(detail::PointerTo<float> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  explicit constexpr ProjMatrixFlt(detail::PointerTo<float> auto numbers) noexcept
+      : Matrix(All::at(numbers)) {}
   /// @{ Narrows the wide ones.
   explicit ProjMatrixFlt(const ProjMatrix& wide) noexcept : Matrix(All::at<double>(wide)) {}
   explicit ProjMatrixFlt(const AffineMatrix& wide) noexcept

@@ -52,10 +52,18 @@ void Quaternion::getFrame(Normal& x, Normal& y, Normal& z) const noexcept {
 void Quaternion::getMatrix(AffineMatrix& matrix) const noexcept {
   const double x = numbers_[0], y = numbers_[1], z = numbers_[2], w = numbers_[3];
   const double numbers[12] = {
-      1.0 - 2.0 * (y * y + z * z), 2.0 * (x * y + w * z), 2.0 * (x * z - w * y),
-      2.0 * (x * y - w * z), 1.0 - 2.0 * (x * x + z * z), 2.0 * (y * z + w * x),
-      2.0 * (x * z + w * y), 2.0 * (y * z - w * x), 1.0 - 2.0 * (x * x + y * y),
-      0.0, 0.0, 0.0,
+      1.0 - 2.0 * (y * y + z * z),
+      2.0 * (x * y + w * z),
+      2.0 * (x * z - w * y),
+      2.0 * (x * y - w * z),
+      1.0 - 2.0 * (x * x + z * z),
+      2.0 * (y * z + w * x),
+      2.0 * (x * z + w * y),
+      2.0 * (y * z - w * x),
+      1.0 - 2.0 * (x * x + y * y),
+      0.0,
+      0.0,
+      0.0,
   };
   matrix.set(numbers);
 }

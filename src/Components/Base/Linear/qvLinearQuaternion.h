@@ -8,9 +8,9 @@
 namespace qvLinear {
 
 /// x, y, z and, last, the scalar part w. All operations but the arithmetic expect unit length. Angles are in
-/// radians; a positive one turns counter-clockwise, seen from the tip of the axis. The base gives `set`, `get`, `[]`,
-/// pointers, comparison, sums and products, number by number. A quaternion and its negative are the same rotation
-/// and not equal.
+/// radians; a positive one turns counter-clockwise, seen from the tip of the axis. The base gives `set`,
+/// `get`, `[]`, pointers, comparison, sums and products, number by number. A quaternion and its negative are
+/// the same rotation and not equal.
 class Quaternion : public base::Arithmetic<Quaternion, double, 4> {
 public:
   Quaternion() = default;
@@ -42,8 +42,8 @@ public:
 static_assert(sizeof(Quaternion) == 32 && std::is_trivially_copyable_v<Quaternion> &&
               std::is_standard_layout_v<Quaternion> && std::is_trivially_default_constructible_v<Quaternion>);
 
-/// From `a` at t = 0 to `b` at t = 1, the shorter way and at an even pace. Where the dot product of the two is below
-/// 0, that way begins at -a, which is the same rotation as `a`.
+/// From `a` at t = 0 to `b` at t = 1, the shorter way and at an even pace. Where the dot product of the two
+/// is below 0, that way begins at -a, which is the same rotation as `a`.
 [[nodiscard]] QV_BASE_API Quaternion slerp(const Quaternion& a, const Quaternion& b, double t) noexcept;
 
 } // namespace qvLinear

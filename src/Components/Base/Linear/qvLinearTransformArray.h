@@ -7,8 +7,8 @@
 
 namespace qvLinear::detail {
 
-/// Calls `transform` for `count` values, `group` at a time: all of these are read before one is stored, so that a
-/// compiler can calculate numbers of several in one register, and `out` may be `in`.
+/// Calls `transform` for `count` values, `group` at a time: all of these are read before one is stored, so
+/// that a compiler can calculate numbers of several in one register, and `out` may be `in`.
 template <int group, class Element, class Transform>
 void transformArray(Element* out, const Element* in, std::size_t count, Transform transform) noexcept {
   using Number = typename Element::Number;
