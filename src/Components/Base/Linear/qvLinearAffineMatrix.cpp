@@ -1,50 +1,12 @@
 #include "Base/Linear/qvLinearAffineMatrix.h"
 
 #include "Base/Linear/qvLinearElimination.h"
-#include "Base/Linear/qvLinearLine.h"
 #include "Base/Linear/qvLinearMatrixText.h"
-#include "Base/Linear/qvLinearPlane.h"
 #include "Base/Linear/qvLinearTransformArray.h"
-#include "Base/Linear/qvLinearTurn.h"
 
 namespace qvLinear {
 
 constinit const AffineMatrix AffineMatrix::Identity(1.0);
-
-AffineMatrix& AffineMatrix::rotateX(double angle) noexcept {
-  detail::turnFirst<3>(m_.n, 1, 2, angle);
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::rotateY(double angle) noexcept {
-  detail::turnFirst<3>(m_.n, 2, 0, angle);
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::rotateZ(double angle) noexcept {
-  detail::turnFirst<3>(m_.n, 0, 1, angle);
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::rotate(double angle, const Normal& axis) noexcept {
-  detail::applyFirst<3>(m_.n, detail::rotationAbout(angle, axis));
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::rotate(double angle, const Line& axis) noexcept {
-  detail::applyFirstAbout<3>(axis.origin(), m_.n, detail::rotationAbout(angle, axis.direction()));
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::rotate(const Normal& from, const Normal& to) noexcept {
-  detail::applyFirst<3>(m_.n, detail::rotationBetween(from, to));
-  return *this;
-}
-
-AffineMatrix& AffineMatrix::mirror(const Plane& plane) noexcept {
-  detail::applyFirstAbout<3>(plane.origin(), m_.n, detail::reflection(plane.normal()));
-  return *this;
-}
 
 bool AffineMatrix::invert() noexcept { return detail::invertAffineByElimination<3>(m_.n); }
 

@@ -5,8 +5,8 @@
 
 #include "Base/Linear/qvLinearForward.h"
 #include "Base/Linear/qvLinearHPoint.h"
-#include "Base/Linear/qvLinearMatrix.h"
 #include "Base/Linear/qvLinearPoint.h"
+#include "Base/Linear/qvLinearSpaceMatrix.h"
 #include "Base/Linear/qvLinearVector.h"
 #include "Base/qvBase.h"
 
@@ -16,21 +16,19 @@
 
 namespace qvLinear {
 
-/// Twelve numbers: the three rows of the linear part, then the translation. Angles are in radians. The base
-/// gives `set`, `get`, `[]`, a pointer, `identity`, `zero`, comparison, sums and products.
-///
-/// What builds a transform (`translate`, `scale`, the `rotate` forms, `mirror`) puts it in front of what the
-/// matrix holds, so that it acts on a point first.
-class AffineMatrix : public base::Matrix<AffineMatrix, double, 4, 3> {
+/// Twelve numbers: the three rows of the linear part, then the translation. The bases give `set`, `get`,
+/// `[]`, a pointer, `identity`, `zero`, comparison, sums and products; `translate`, `scale`, the `rotate`
+/// forms, `mirror`.
+class AffineMatrix : public base::SpaceMatrix<AffineMatrix, 3> {
 public:
   static QV_BASE_API const AffineMatrix Identity;
 
   AffineMatrix() = default;
   /// `value` on the diagonal of the linear part; all else, the translation too, is 0.
-  explicit constexpr AffineMatrix(double value) noexcept : Matrix(diagonal(value)) {}
+  explicit constexpr AffineMatrix(double value) noexcept : SpaceMatrix(diagonal(value)) {}
   /// All twelve, in storage order.
   explicit constexpr AffineMatrix(detail::PointerTo<double> auto numbers) noexcept
-      : Matrix(All::at(numbers)) {}
+      : SpaceMatrix(All::at(numbers)) {}
   AffineMatrix(const AffineMatrixFlt& narrow) noexcept;
   /// The affine part of `matrix`, without a look at `isAffine`: its fourth column is left out.
   AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept;
@@ -41,39 +39,11 @@ public:
   /// `v`, the translation 0.
   AffineMatrix& crossMatrix(const Vector& v) noexcept;
 
-  AffineMatrix& translate(double x, double y, double z) noexcept {
-    detail::translateFirst<3>(m_.n, x, y, z);
-    return *this;
-  }
-  AffineMatrix& translate(const Vector& by) noexcept { return translate(by[0], by[1], by[2]); }
-  AffineMatrix& scale(double x, double y, double z) noexcept {
-    detail::scaleFirst<3>(m_.n, x, y, z);
-    return *this;
-  }
-  AffineMatrix& scale(double factor) noexcept { return scale(factor, factor, factor); }
-  /// @{ About an axis of the coordinates; seen from its tip, a positive angle turns counter-clockwise.
-  QV_BASE_API AffineMatrix& rotateX(double angle) noexcept;
-  QV_BASE_API AffineMatrix& rotateY(double angle) noexcept;
-  QV_BASE_API AffineMatrix& rotateZ(double angle) noexcept;
-  /// @}
-  /// About `axis` through the origin. One that is not valid turns nothing.
-  QV_BASE_API AffineMatrix& rotate(double angle, const Normal& axis) noexcept;
-  /// About `axis`.
-  QV_BASE_API AffineMatrix& rotate(double angle, const Line& axis) noexcept;
-  /// By the smallest angle that takes `from` to `to`; where they are opposite, by half a turn about some axis
-  /// perpendicular to them. Not valid ones turn nothing.
-  /// Method: Moeller and Hughes, "Efficiently Building a Matrix to Rotate One Vector to Another", 1999.
-  QV_BASE_API AffineMatrix& rotate(const Normal& from, const Normal& to) noexcept;
-  /// By reflection in `plane`; nothing where its normal is not valid.
-  QV_BASE_API AffineMatrix& mirror(const Plane& plane) noexcept;
-
   /// Transposes the linear part. The translation is lost: it becomes 0.
   AffineMatrix& transpose() noexcept {
     m_ = detail::transposedAffine(m_);
     return *this;
   }
-  /// Of the linear part.
-  [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<3>(m_.n); }
   /// Of the whole matrix with its fourth column, which is the same.
   [[nodiscard]] constexpr double det4x4() const noexcept { return det3x3(); }
 
@@ -85,10 +55,8 @@ public:
   bool invertFast() noexcept { return detail::invertAffineFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
   [[nodiscard]] QV_BASE_API AffineMatrix inverse() const noexcept;
-  /// Whether the determinant is not below `epsilonTol`: what `invertFast` asks.
-  [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det3x3()); }
 
-  using Matrix::preMult;
+  using SpaceMatrix::preMult;
   /// @{ Transforms `in` into `out`. Does nothing at all where both are the same object: use a separate `out`.
   void preMult(Point& out, const Point& in) const noexcept;
   void preMult(Vector& out, const Vector& in) const noexcept;
@@ -125,9 +93,6 @@ public:
   /// What transforms surface normals: as `vectorMatrix`, and, where this matrix mirrors, times -1, so that
   /// the mirror does not turn them inwards.
   [[nodiscard]] QV_BASE_API AffineMatrix normalMatrix(bool& ok) const noexcept;
-
-private:
-  using Row = detail::Numbers<double, 3>;
 };
 
 static_assert(sizeof(AffineMatrix) == 96 && std::is_trivially_copyable_v<AffineMatrix> &&

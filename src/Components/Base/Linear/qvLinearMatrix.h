@@ -85,7 +85,6 @@ protected:
 
   All m_;
 
-private:
   constexpr Self& self() noexcept { return static_cast<Self&>(*this); }
 };
 

@@ -53,20 +53,6 @@ template <int rows, int width, class T>
   forEach<rows>([&](int row) { sums[row].storeAt(out + width * row); });
 }
 
-/// @{ What acts on a point before the matrix, whose rows have `width` numbers, does.
-template <int width, class T>
-constexpr void translateFirst(T* matrix, T x, T y, T z) noexcept {
-  T* const last = matrix + 3 * width;
-  (Numbers<T, width>::at(last) + weighted<width>(Numbers<T, 3>(x, y, z), matrix)).storeAt(last);
-}
-
-template <int width, class T>
-constexpr void scaleFirst(T* matrix, T x, T y, T z) noexcept {
-  const T factors[] = {x, y, z};
-  Numbers<T, 3 * width>::made([&](int i) { return factors[i / width] * matrix[i]; }).storeAt(matrix);
-}
-/// @}
-
 /// The translation becomes 0.
 template <class T>
 [[nodiscard]] constexpr Numbers<T, 12> transposedAffine(const Numbers<T, 12>& m) noexcept {

@@ -8,53 +8,31 @@
 
 namespace qvLinear {
 
-/// Sixteen numbers, four rows of four. Angles are in radians; what builds a transform puts it in front of
-/// what the matrix holds, so that it acts on a point first. The base gives `set`, `get`, `[]`, a pointer,
-/// `identity`, `zero`, comparison, sums and products.
-class ProjMatrix : public base::Matrix<ProjMatrix, double, 4, 4> {
+/// Sixteen numbers, four rows of four. The bases give `set`, `get`, `[]`, a pointer, `identity`, `zero`,
+/// comparison, sums and products; `translate`, `scale`, the `rotate` forms, `mirror`.
+class ProjMatrix : public base::SpaceMatrix<ProjMatrix, 4> {
 public:
   static QV_BASE_API const ProjMatrix Identity;
 
   ProjMatrix() = default;
   /// `value` on the diagonal, all four; all else is 0.
-  explicit constexpr ProjMatrix(double value) noexcept : Matrix(diagonal(value)) {}
+  explicit constexpr ProjMatrix(double value) noexcept : SpaceMatrix(diagonal(value)) {}
   /// All sixteen, in storage order.
-  explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept : Matrix(All::at(numbers)) {}
+  explicit constexpr ProjMatrix(detail::PointerTo<double> auto numbers) noexcept
+      : SpaceMatrix(All::at(numbers)) {}
   /// @{ With the fourth column (0, 0, 0, 1).
   ProjMatrix(const AffineMatrix& affine) noexcept
-      : Matrix(detail::withFourthColumn<double, double>(affine)) {}
+      : SpaceMatrix(detail::withFourthColumn<double, double>(affine)) {}
   explicit ProjMatrix(const AffineMatrixFlt& affine) noexcept
-      : Matrix(detail::withFourthColumn<double, float>(affine)) {}
+      : SpaceMatrix(detail::withFourthColumn<double, float>(affine)) {}
   /// @}
   ProjMatrix(const ProjMatrixFlt& narrow) noexcept;
-
-  /// @{ As those of `AffineMatrix`.
-  ProjMatrix& translate(double x, double y, double z) noexcept {
-    detail::translateFirst<4>(m_.n, x, y, z);
-    return *this;
-  }
-  ProjMatrix& translate(const Vector& by) noexcept { return translate(by[0], by[1], by[2]); }
-  ProjMatrix& scale(double x, double y, double z) noexcept {
-    detail::scaleFirst<4>(m_.n, x, y, z);
-    return *this;
-  }
-  ProjMatrix& scale(double factor) noexcept { return scale(factor, factor, factor); }
-  QV_BASE_API ProjMatrix& rotateX(double angle) noexcept;
-  QV_BASE_API ProjMatrix& rotateY(double angle) noexcept;
-  QV_BASE_API ProjMatrix& rotateZ(double angle) noexcept;
-  QV_BASE_API ProjMatrix& rotate(double angle, const Normal& axis) noexcept;
-  QV_BASE_API ProjMatrix& rotate(double angle, const Line& axis) noexcept;
-  QV_BASE_API ProjMatrix& rotate(const Normal& from, const Normal& to) noexcept;
-  QV_BASE_API ProjMatrix& mirror(const Plane& plane) noexcept;
-  /// @}
 
   /// Transposes all of it.
   ProjMatrix& transpose() noexcept {
     m_ = detail::transposedProjective(m_);
     return *this;
   }
-  /// Of the first three rows and columns.
-  [[nodiscard]] constexpr double det3x3() const noexcept { return detail::determinant3<4>(m_.n); }
   [[nodiscard]] constexpr double det4x4() const noexcept {
     return detail::Minors<double>(m_.n).determinant();
   }
@@ -67,12 +45,10 @@ public:
   bool invertFast() noexcept { return detail::invertProjectiveFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
   [[nodiscard]] QV_BASE_API ProjMatrix inverse() const noexcept;
-  /// Whether the determinant of the whole is not below `epsilonTol`.
-  [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det4x4()); }
   /// Whether the fourth column is (0, 0, 0, 1), each number to less than `epsilonTol`.
   [[nodiscard]] bool isAffine() const noexcept;
 
-  using Matrix::preMult;
+  using SpaceMatrix::preMult;
   /// @{ Transforms `in` into `out`, which may be `in`.
   void preMult(HPoint& out, const HPoint& in) const noexcept {
     out = HPoint(detail::rowTimes<4, double>(in, m_.n).n);
@@ -115,7 +91,7 @@ static_assert(sizeof(ProjMatrix) == 128 && std::is_trivially_copyable_v<ProjMatr
 QV_BASE_API std::ostream& operator<<(std::ostream& out, const ProjMatrix& m);
 
 inline AffineMatrix::AffineMatrix(const Promise&, const ProjMatrix& matrix) noexcept
-    : Matrix(All::made([&](int i) { return matrix[i / 3][i % 3]; })) {}
+    : SpaceMatrix(All::made([&](int i) { return matrix[i / 3][i % 3]; })) {}
 
 inline AffineMatrixFlt::AffineMatrixFlt(const Promise& promise, const ProjMatrix& wide) noexcept
     : AffineMatrixFlt(AffineMatrix(promise, wide)) {}

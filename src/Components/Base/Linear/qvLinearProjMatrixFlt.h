@@ -38,7 +38,7 @@ static_assert(sizeof(ProjMatrixFlt) == 64 && std::is_trivially_copyable_v<ProjMa
               std::is_standard_layout_v<ProjMatrixFlt> &&
               std::is_trivially_default_constructible_v<ProjMatrixFlt>);
 
-inline ProjMatrix::ProjMatrix(const ProjMatrixFlt& narrow) noexcept : Matrix(All::at<float>(narrow)) {}
+inline ProjMatrix::ProjMatrix(const ProjMatrixFlt& narrow) noexcept : SpaceMatrix(All::at<float>(narrow)) {}
 
 /// As that of `ProjMatrix`, with its own name.
 QV_BASE_API std::ostream& operator<<(std::ostream& out, const ProjMatrixFlt& m);

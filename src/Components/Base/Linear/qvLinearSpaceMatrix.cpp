@@ -1,6 +1,5 @@
-#include "Base/Linear/qvLinearTurn.h"
-
-#include "Base/Linear/qvLinearNormal.h"
+// The rotations and the reflection that the matrices of space are built from.
+#include "Base/Linear/qvLinearSpaceMatrix.h"
 
 namespace qvLinear::detail {
 
@@ -26,9 +25,9 @@ Vector leastAxis(const Normal& n) noexcept {
 /// between the mirrors stays far from 0, where the cross product of the two directions says no more.
 Linear3 rotationBetweenOpposite(const Normal& from, const Normal& to) noexcept {
   const Vector axis = leastAxis(from);
-  const Linear3 first = reflection(Normal(axis - from));
-  Linear3 both = reflection(Normal(axis - to));
-  applyFirst<3>(both.n, first);
+  const Linear3 first = reflection(Normal(axis - from)), second = reflection(Normal(axis - to));
+  Linear3 both;
+  forEach<3>([&](int row) { rowTimes<3>(first.n + 3 * row, second.n).storeAt(both.n + 3 * row); });
   return both;
 }
 
