@@ -49,7 +49,8 @@ static_assert(sizeof(AffineMatrixFlt) == 48 && std::is_trivially_copyable_v<Affi
               std::is_standard_layout_v<AffineMatrixFlt> &&
               std::is_trivially_default_constructible_v<AffineMatrixFlt>);
 
-inline AffineMatrix::AffineMatrix(const AffineMatrixFlt& narrow) noexcept : SpaceMatrix(All::at<float>(narrow)) {}
+inline AffineMatrix::AffineMatrix(const AffineMatrixFlt& narrow) noexcept
+    : SpaceMatrix(All::at<float>(narrow)) {}
 
 [[nodiscard]] inline PointFlt operator*(const PointFlt& p, const AffineMatrixFlt& m) noexcept {
   PointFlt out;
