@@ -22,15 +22,6 @@ template <int size, class T>
   return rowTimes<size>(row, matrix) + Numbers<T, size>::at(matrix + size * size);
 }
 
-template <int size, bool affine, class T>
-[[nodiscard, gnu::always_inline]] constexpr Numbers<T, size> lastRowTimes(const T* row,
-                                                                          const T* matrix) noexcept {
-  if constexpr (affine)
-    return rowTimesAffine<size>(row, matrix);
-  else
-    return rowTimes<size>(row, matrix);
-}
-
 /// The three coordinates of a homogeneous point, whose weight stays.
 template <class T>
 [[nodiscard, gnu::always_inline]] constexpr Numbers<T, 3> homogeneousTimesAffine(const T* point,
@@ -80,35 +71,23 @@ template <int width, class T>
   return dot(Row::at(matrix), cross(Row::at(matrix + width), Row::at(matrix + 2 * width)));
 }
 
-/// The determinants of the two by two numbers in each pair of columns, of the upper two rows of a matrix of
-/// four by four and of the lower two: what its determinant and all its cofactors are made of.
+/// Of four by four, by the minors of the upper two rows and of the lower two.
 template <class T>
-struct Minors {
-  constexpr explicit Minors(const T* m) noexcept : upper(ofRows(m, m + 4)), lower(ofRows(m + 8, m + 12)) {}
-
-  [[nodiscard]] constexpr T determinant() const noexcept {
-    return upper[0] * lower[5] - upper[1] * lower[4] + upper[2] * lower[3] + upper[3] * lower[2] -
-           upper[4] * lower[1] + upper[5] * lower[0];
-  }
-
-  Numbers<T, 6> upper; // of the columns 01 02 03 12 13 23
-  Numbers<T, 6> lower;
-
-private:
-  [[gnu::always_inline]] static constexpr Numbers<T, 6> ofRows(const T* a, const T* b) noexcept {
-    return {a[0] * b[1] - a[1] * b[0], a[0] * b[2] - a[2] * b[0], a[0] * b[3] - a[3] * b[0],
-            a[1] * b[2] - a[2] * b[1], a[1] * b[3] - a[3] * b[1], a[2] * b[3] - a[3] * b[2]};
-  }
-};
+[[nodiscard]] constexpr T determinant4(const T* m) noexcept {
+  const auto upper = [m](int j, int k) { return m[j] * m[4 + k] - m[k] * m[4 + j]; };
+  const auto lower = [m](int j, int k) { return m[8 + j] * m[12 + k] - m[8 + k] * m[12 + j]; };
+  // Summed as `invertProjectiveFast` does, so that they agree on what has an inverse.
+  return (lower(0, 1) * upper(2, 3) - lower(0, 2) * upper(1, 3) + lower(0, 3) * upper(1, 2)) +
+         (upper(0, 1) * lower(2, 3) - upper(0, 2) * lower(1, 3) + upper(0, 3) * lower(1, 2));
+}
 
 /// Whether a matrix with this determinant counts as invertible.
 [[nodiscard]] inline bool isUsableDeterminant(double determinant) noexcept {
-  return !(std::abs(determinant) < epsilonTol);
+  return !(std::fabs(determinant) < epsilonTol);
 }
 
-/// Makes the matrix its inverse by cofactors. False where the determinant is below `epsilonTol`; nothing is
-/// changed then.
-/// @{
+/// @{ Makes the matrix its inverse by cofactors. False where the determinant is below `epsilonTol`; nothing
+/// is changed then.
 inline bool invertAffineFast(double* m) noexcept {
   using Row = Numbers<double, 3>;
   const Row x = Row::at(m), y = Row::at(m + 3), z = Row::at(m + 6), t = Row::at(m + 9);

@@ -33,9 +33,7 @@ public:
     m_ = detail::transposedProjective(m_);
     return *this;
   }
-  [[nodiscard]] constexpr double det4x4() const noexcept {
-    return detail::Minors<double>(m_.n).determinant();
-  }
+  [[nodiscard]] constexpr double det4x4() const noexcept { return detail::determinant4(m_.n); }
 
   /// Makes the matrix its inverse, by Gauss-Jordan elimination with partial pivoting.
   /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.

@@ -31,7 +31,7 @@ public:
   }
   /// Of the first three rows and columns.
   [[nodiscard]] constexpr float det3x3() const noexcept { return detail::determinant3<4>(m_.n); }
-  [[nodiscard]] constexpr float det4x4() const noexcept { return detail::Minors<float>(m_.n).determinant(); }
+  [[nodiscard]] constexpr float det4x4() const noexcept { return detail::determinant4(m_.n); }
 };
 
 static_assert(sizeof(ProjMatrixFlt) == 64 && std::is_trivially_copyable_v<ProjMatrixFlt> &&

@@ -1,7 +1,9 @@
 // What the library exports: constants and tolerances, which stand before any initialiser runs, and text
 // forms.
+#include "Base/Linear/qvLinearAffineMatrix2.h"
 #include "Base/Linear/qvLinearNormal.h"
 #include "Base/Linear/qvLinearPoint.h"
+#include "Base/Linear/qvLinearProjMatrixFlt.h"
 #include "Base/Linear/qvLinearTuple.h"
 
 #include <gtest/gtest.h>
@@ -29,6 +31,10 @@ const struct Early {
                  Point2Flt::origin == Point2Flt(0, 0);
   bool zeros =
       Tuple2::zero == Tuple2(0, 0) && Tuple3::zero == Tuple3(0, 0, 0) && Tuple4::zero == Tuple4(0, 0, 0, 0);
+  bool identities = AffineMatrix::Identity == AffineMatrix(1.0) &&
+                    AffineMatrix2::Identity == AffineMatrix2(1.0) &&
+                    AffineMatrixFlt::Identity == AffineMatrixFlt(1.0F) &&
+                    ProjMatrix::Identity == ProjMatrix(1.0) && ProjMatrixFlt::Identity == ProjMatrixFlt(1.0F);
 } early;
 
 TEST(LinearExports, TolerancesStandBeforeInitialisersRun) {
@@ -52,6 +58,7 @@ TEST(LinearExports, ConstantsStandBeforeInitialisersRun) {
     for (int constant = 0; constant < count; ++constant)
       for (int i = 0; i < T::size; ++i) EXPECT_EQ(constants[constant][i], i == constant ? 1 : 0);
   };
+  EXPECT_TRUE(early.identities);
   expectAxes(early.vectors, 4);
   expectAxes(early.narrow, 4);
   expectAxes(early.flat, 3);
