@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
-#include <utility>
 
 namespace qvTCP {
 
@@ -50,6 +49,13 @@ Error moveAll(const SocketImpl& impl, std::uint64_t count, std::uint64_t* total,
   } while (!error && done < count);
   if (total) *total = done;
   return thrownInThrowMode(impl, error);
+}
+
+void setLength(CString& text, unsigned int length) {
+  if (text.length() > length)
+    text.erase(length);
+  else if (text.length() < length)
+    text.append(CString(length - text.length(), '\0'));
 }
 
 int waitFor(const SocketImpl& impl, const Interval& limit) noexcept {
@@ -132,14 +138,17 @@ Error Socket::write(const CString& text) {
 
 Error Socket::write(const IString& text) { return write(CString(text.asUTF8())); }
 
+// A whole frame changes places with `text`: so nothing is copied, and `text` keeps its value until then.
 Error Socket::read(CString& text) {
   unsigned char head[2];
   if (const Error error = read(head, sizeof head, nullptr)) return error;
   const unsigned int length = 256u * head[0] + head[1];
-  CString received(length, '\0');
+  CString& received = impl_->received;
+  setLength(received, length);
   if (length)
     if (const Error error = read(&received[0], length, nullptr)) return error;
-  text = std::move(received);
+  text.swap(received);
+  if (received.capacity() > 2 * frameLimit) received = CString();
   return Error();
 }
 

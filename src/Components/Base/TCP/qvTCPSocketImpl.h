@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Base/Platform/qvPlatformSocket.h"
+#include "Base/String/qvStringCString.h"
 #include "Base/TCP/qvTCPAddress.h"
 #include "Base/Utility/qvUtilError.h"
 #include "Base/Utility/qvUtilInterval.h"
@@ -25,6 +26,7 @@ public:
   std::int32_t closedSides = 0; // bit 1 reading, bit 2 writing
   std::int32_t descriptor = -1; // the stream's duplicate
   std::FILE* stream = nullptr;  // owns `descriptor`
+  qvString::CString received;   // room for the next frame of text; its content means nothing
 
   [[nodiscard]] bool isOpen() const noexcept { return handle != qvPlatform::noSocket; }
   /// Whether adding `how` leaves no side open.

@@ -159,7 +159,8 @@ TEST_F(TCPServer, TellsWhichCallFailed) {
   } rows[] = {
       {__LINE__, four | six, "socket", 0, 2, EIO, "2 listen() failed: No useable protocol families found.",
        0},
-      {__LINE__, four | six, "setsockopt", 0, 9, EIO, "2 listen() failed: No useable protocol", 0},
+      {__LINE__, four | six, "setsockopt", 0, 9, EIO,
+       "2 listen() failed: No useable protocol families found.", 0},
       {__LINE__, four | six, "socket", 0, 1, EIO, "0 ", six}, // IPv4 is opened first
       {__LINE__, four | six, "bind", 0, 2, EIO, "1 bind() failed: ", 0},
       {__LINE__, four | six, "bind", 0, 1, EIO, "0 ", four},
@@ -168,8 +169,8 @@ TEST_F(TCPServer, TellsWhichCallFailed) {
       {__LINE__, six, "bind", 0, 99, inUse, "3 bind() failed: ", 0},
       {__LINE__, four | six, "listen", 0, 1, EIO, "1 ", six},
       {__LINE__, four | six, "listen", 1, 1, EIO, "1 ", four | six},
-      {__LINE__, four | six, "getsockname", 0, 1, EIO, "1 Cannot get listening socket address:I", six},
-      {__LINE__, four, "getsockname", 0, 1, EIO, "1 Cannot get listening socket address: I", four},
+      {__LINE__, four | six, "getsockname", 0, 1, EIO, "1 Cannot get listening socket address:", six},
+      {__LINE__, four, "getsockname", 0, 1, EIO, "1 Cannot get listening socket address: ", four},
   };
   for (const auto& row : rows) {
     if (!hasAll(row.families)) continue;
@@ -180,7 +181,9 @@ TEST_F(TCPServer, TellsWhichCallFailed) {
       LocalServer server;
       qvTest::PlatformScript script;
       script.failCall(row.first, row.number, row.call, row.times);
-      EXPECT_TRUE(startsWith(told(server.listen()), row.error));
+      const bool tellsNumber = *row.error == '1' || *row.error == '3';
+      EXPECT_EQ(told(server.listen()),
+                row.error + (tellsNumber ? qvPlatform::systemErrorText(row.number) : std::string()));
       EXPECT_EQ(listens(server, four) * four + listens(server, six) * six, row.left);
     }
     EXPECT_EQ(qvTest::descriptorMark(), mark);
