@@ -52,7 +52,7 @@ void Address::parse(const IString& text, int port) {
   localLoopback_ = false;
   startSockets();
   if (text.isEmpty()) throw Error(2, "qvTCP::Address: empty address specified");
-  const std::string host = text.asUTF8();
+  const std::string host = IString(text).asUTF8(); // threads may share `text`, whose cache this would fill
   numbersAndDotsCached_ = qvPlatform::isDottedNumber(host.c_str());
   nameCached_ = !numbersAndDotsCached_;
   (nameCached_ ? name_ : numbersAndDots_) = text;
