@@ -69,14 +69,15 @@ struct BaseLinear {
     second.preMult(out, first);
   }
   template <class Matrix>
-  static Matrix inverse(Matrix matrix) {
-    (void)matrix.invertFast();
-    return matrix;
+  static void invert(Matrix& out, const Matrix& matrix) {
+    Matrix inverse = matrix;
+    (void)inverse.invertFast();
+    out = inverse;
   }
   template <class Matrix>
-  static Matrix inverseByElimination(Matrix matrix) {
-    (void)matrix.invert();
-    return matrix;
+  static void eliminate(Matrix& out, const Matrix& matrix) {
+    out = matrix;
+    (void)out.invert();
   }
   static Quaternion between(const Quaternion& a, const Quaternion& b, double t) {
     return qvLinear::slerp(a, b, t);
@@ -104,15 +105,13 @@ struct EigenLinear {
   static void product(Projective& out, const Projective& first, const Projective& second) {
     out.noalias() = second * first;
   }
-  static Affine inverse(const Affine& matrix) { return matrix.inverse(Eigen::Affine); }
-  static Projective inverse(const Projective& matrix) { return matrix.inverse(); }
-  static Affine inverseByElimination(const Affine& matrix) {
-    Affine inverse = Affine::Identity();
-    inverse.linear() = matrix.linear().partialPivLu().inverse();
-    inverse.translation() = -(inverse.linear() * matrix.translation());
-    return inverse;
+  static void invert(Affine& out, const Affine& matrix) { out = matrix.inverse(Eigen::Affine); }
+  static void invert(Projective& out, const Projective& matrix) { out = matrix.inverse(); }
+  static void eliminate(Affine& out, const Affine& matrix) {
+    out.linear() = matrix.linear().partialPivLu().inverse();
+    out.translation() = -(out.linear() * matrix.translation());
   }
-  static Projective inverseByElimination(const Projective& matrix) { return matrix.partialPivLu().inverse(); }
+  static void eliminate(Projective& out, const Projective& matrix) { out = matrix.partialPivLu().inverse(); }
   static Quaternion between(const Quaternion& a, const Quaternion& b, double t) { return a.slerp(t, b); }
   static void normalize(Vector& vector) { vector.normalize(); }
 };
@@ -149,7 +148,7 @@ struct GlmLinear {
     for (std::size_t i = 0; i < points.size(); ++i) out[i] = narrow * glm::dvec4(points[i], 1);
   }
   static void product(Affine& out, const Affine& first, const Affine& second) { out = second * first; }
-  static Projective inverse(const Projective& matrix) { return glm::inverse(matrix); }
+  static void invert(Projective& out, const Projective& matrix) { out = glm::inverse(matrix); }
   static Quaternion between(const Quaternion& a, const Quaternion& b, double t) {
     return glm::slerp(a, b, t);
   }
@@ -159,6 +158,7 @@ struct GlmLinear {
 /// Its inverse of an affine matrix.
 struct GlmAffine : GlmLinear {
   static Affine inverse(const Affine& matrix) { return glm::affineInverse(matrix); }
+  static void invert(Affine& out, const Affine& matrix) { out = inverse(matrix); }
 };
 #endif
 
@@ -250,15 +250,15 @@ template <class Library, class Rows>
 void inverse(benchmark::State& state) {
   const auto matrices = Rows::matrices();
   auto out = matrices;
-  overMatrices(state, out, [&](std::size_t i) { out[i] = Library::inverse(matrices[i]); });
+  overMatrices(state, out, [&](std::size_t i) { Library::invert(out[i], matrices[i]); });
   qvBench::setResult(state, Rows::result(out));
 }
 
 template <class Library, class Rows>
-void inverseByElimination(benchmark::State& state) {
+void elimination(benchmark::State& state) {
   const auto matrices = Rows::matrices();
   auto out = matrices;
-  overMatrices(state, out, [&](std::size_t i) { out[i] = Library::inverseByElimination(matrices[i]); });
+  overMatrices(state, out, [&](std::size_t i) { Library::eliminate(out[i], matrices[i]); });
   qvBench::setResult(state, Rows::result(out));
 }
 
@@ -302,8 +302,8 @@ BENCHMARK(product<BaseLinear, AffineRows<BaseLinear>>)->Name("affine product/Bas
 BENCHMARK(product<BaseLinear, ProjectiveRows<BaseLinear>>)->Name("projective product/Base");
 BENCHMARK(inverse<BaseLinear, AffineRows<BaseLinear>>)->Name("affine inverse/Base");
 BENCHMARK(inverse<BaseLinear, ProjectiveRows<BaseLinear>>)->Name("projective inverse/Base");
-BENCHMARK(inverseByElimination<BaseLinear, AffineRows<BaseLinear>>)->Name("affine elimination/Base");
-BENCHMARK(inverseByElimination<BaseLinear, ProjectiveRows<BaseLinear>>)->Name("projective elimination/Base");
+BENCHMARK(elimination<BaseLinear, AffineRows<BaseLinear>>)->Name("affine elimination/Base");
+BENCHMARK(elimination<BaseLinear, ProjectiveRows<BaseLinear>>)->Name("projective elimination/Base");
 BENCHMARK(slerp<BaseLinear>)->Name("slerp/Base");
 BENCHMARK(normalize<BaseLinear>)->Name("normalize/Base");
 
@@ -314,9 +314,8 @@ BENCHMARK(product<EigenLinear, AffineRows<EigenLinear>>)->Name("affine product/E
 BENCHMARK(product<EigenLinear, ProjectiveRows<EigenLinear>>)->Name("projective product/Eigen");
 BENCHMARK(inverse<EigenLinear, AffineRows<EigenLinear>>)->Name("affine inverse/Eigen");
 BENCHMARK(inverse<EigenLinear, ProjectiveRows<EigenLinear>>)->Name("projective inverse/Eigen");
-BENCHMARK(inverseByElimination<EigenLinear, AffineRows<EigenLinear>>)->Name("affine elimination/Eigen");
-BENCHMARK(inverseByElimination<EigenLinear, ProjectiveRows<EigenLinear>>)
-    ->Name("projective elimination/Eigen");
+BENCHMARK(elimination<EigenLinear, AffineRows<EigenLinear>>)->Name("affine elimination/Eigen");
+BENCHMARK(elimination<EigenLinear, ProjectiveRows<EigenLinear>>)->Name("projective elimination/Eigen");
 BENCHMARK(slerp<EigenLinear>)->Name("slerp/Eigen");
 BENCHMARK(normalize<EigenLinear>)->Name("normalize/Eigen");
 BENCHMARK(transformPoints<EigenBlock, 1'000'000>)->Name("points in memory/Eigen block");
