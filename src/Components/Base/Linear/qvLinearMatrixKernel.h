@@ -86,26 +86,37 @@ template <class T>
   return !(std::fabs(determinant) < epsilonTol);
 }
 
+/// Two numbers for one register. Left to itself, a compiler calculates cofactors one by one.
+using Pair [[gnu::vector_size(16)]] = double;
+
 /// @{ Makes the matrix its inverse by cofactors. False where the determinant is below `epsilonTol`; nothing
 /// is changed then.
 inline bool invertAffineFast(double* m) noexcept {
-  using Row = Numbers<double, 3>;
-  const Row x = Row::at(m), y = Row::at(m + 3), z = Row::at(m + 6), t = Row::at(m + 9);
-  const Row yz = cross(y, z), zx = cross(z, x), xy = cross(x, y);
-  const double determinant = dot(x, yz);
+  // The products of the second row with the third and of the third with the first end up side by side.
+  const double x0 = m[0], x1 = m[1], x2 = m[2], y0 = m[3], y1 = m[4], y2 = m[5];
+  const double z0 = m[6], z1 = m[7], z2 = m[8], t0 = m[9], t1 = m[10], t2 = m[11];
+  const Pair a0 = {y0, z0}, a1 = {y1, z1}, a2 = {y2, z2}, b0 = {z0, x0}, b1 = {z1, x1}, b2 = {z2, x2};
+  const Pair pair0 = a1 * b2 - a2 * b1, pair1 = a2 * b0 - a0 * b2, pair2 = a0 * b1 - a1 * b0;
+  const double determinant = x0 * pair0[0] + x1 * pair1[0] + x2 * pair2[0];
   if (!isUsableDeterminant(determinant)) return false;
-  const Numbers<double, 9> cofactors(yz[0], zx[0], xy[0], yz[1], zx[1], xy[1], yz[2], zx[2], xy[2]);
-  const Row translation = weighted<3>(t, cofactors.n);
+  const double last0 = x1 * y2 - x2 * y1, last1 = x2 * y0 - x0 * y2, last2 = x0 * y1 - x1 * y0;
+  const Pair moved = t0 * pair0 + t1 * pair1 + t2 * pair2;
+  const double lastMoved = t0 * last0 + t1 * last1 + t2 * last2;
   const double factor = 1.0 / determinant; // last, since all else need not wait for it
-  (factor * cofactors).storeAt(m);
-  (-factor * translation).storeAt(m + 9);
+  const auto store = [m](int row, Pair pair, double last, double by) {
+    pair *= by;
+    Numbers<double, 3>(pair[0], pair[1], last * by).storeAt(m + 3 * row);
+  };
+  store(0, pair0, last0, factor);
+  store(1, pair1, last1, factor);
+  store(2, pair2, last2, factor);
+  store(3, moved, lastMoved, -factor);
   return true;
 }
 
 inline bool invertProjectiveFast(double* m) noexcept {
-  // Two numbers for one register: always the same of the upper half of the matrix and of its lower half, so
-  // that all minors and cofactors come in pairs. Left to itself, a compiler calculates them one by one.
-  using Pair [[gnu::vector_size(16)]] = double;
+  // Always the same of the upper half of the matrix and of its lower half, so that all minors and cofactors
+  // come in pairs.
   const auto inRow = [m](int row, int column) { return Pair{m[4 * row + column], m[4 * row + 8 + column]}; };
   const Pair r0 = inRow(0, 0), r1 = inRow(0, 1), r2 = inRow(0, 2), r3 = inRow(0, 3);
   const Pair s0 = inRow(1, 0), s1 = inRow(1, 1), s2 = inRow(1, 2), s3 = inRow(1, 3);
