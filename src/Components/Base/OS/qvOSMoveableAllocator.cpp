@@ -77,6 +77,7 @@ void MoveableChunk::unmap() {
 MoveableChunk::~MoveableChunk() = default;
 
 void MoveableChunk::operator delete(MoveableChunk* block, std::destroying_delete_t) {
+  if (!block) return; // the language lets `delete` come here with null, too
   block->unmap();
   block->chunk->owner->free(block);
 }
