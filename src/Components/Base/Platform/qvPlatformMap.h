@@ -8,8 +8,9 @@ namespace qvPlatform {
 
 inline constexpr std::intptr_t noMapHandle = -1;
 
-/// An open file that backs memory. Nobody else opens it meanwhile, no started program inherits it, and it is
-/// never one of the three standard streams. Where the system has one handle for both, the two are equal.
+/// An open file that backs memory. Nobody else gets one of the same file meanwhile, no started program
+/// inherits it, and it is never one of the three standard streams. Where the system has one handle for both,
+/// the two are equal.
 struct MapFile {
   std::intptr_t fileHandle = noMapHandle;
   std::intptr_t mappingHandle = noMapHandle;
@@ -20,8 +21,9 @@ struct MapFile {
 /// full [open] [lock] [stat] [unlink] [seek] [truncate] [reserve] [mapping]. With `deleteOnClose` the name is
 /// gone at once where the system allows that, else with the last handle or with this process. A file that
 /// such a handle holds already, of this process too, and what is no ordinary file are refused and stay as
-/// they are; so does a link, where it is to be deleted. `invalid` for a size of 0 or one that no file has.
-/// Any other failure may leave a file of no bytes.
+/// they are. A link is followed, but refused likewise where its own name would go at once. `invalid` for a
+/// size of 0 or one that no file has. Any other failure may leave a file of no bytes, as may a link that led
+/// nowhere.
 [[nodiscard]] int createMapFile(const char* path, std::uint64_t size, bool deleteOnClose,
                                 MapFile* made) noexcept;
 /// Closes what is open, the mapping first, and resets both handles [close]. Windows stay mapped.
