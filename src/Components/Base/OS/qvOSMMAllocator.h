@@ -12,8 +12,6 @@
 
 namespace qvOS {
 
-struct MMAllocatorCheck;
-
 /// `Chunk` has a list `blocks` of all its blocks in the order of their offsets, so that neighbours in the
 /// list are neighbours in memory. `Block` is a `LinkedListNode` with the fields `size`, `chunk`, `offset` and
 /// `free`. Every byte of a chunk belongs to exactly one block, and no two neighbours are free. Not
@@ -21,6 +19,8 @@ struct MMAllocatorCheck;
 template <class Chunk, class Block>
 class MMAllocator {
 public:
+  struct Check; // looks inside for white-box tests, which define it
+
   virtual ~MMAllocator() = default;
   MMAllocator(const MMAllocator&) = delete;
   MMAllocator& operator=(const MMAllocator&) = delete;
@@ -59,8 +59,6 @@ protected:
   void destroySpareChunk();
 
 private:
-  friend struct MMAllocatorCheck;
-
   /// An entry of the free set. A block's place and size do not change while it is there.
   struct FreeBlock {
     std::uint64_t size;
@@ -82,6 +80,7 @@ private:
   Block* takeBestFit(std::uint64_t size);
   Block* splitFront(Block* rest, std::uint64_t size);
   Block* makeChunk(std::uint64_t size);
+  void giveBack(Block* block);
   void retireChunk(Chunk* chunk, std::uint64_t size);
   void remove(Block* block);
   void mergeWithNeighbours(Block* block);
@@ -112,15 +111,7 @@ void MMAllocator<Chunk, Block>::free(Block* block) {
   onFree(block);
   block->free = true;
   mergeWithNeighbours(block);
-  LinkedList& blocks = block->chunk->blocks;
-  if (!blocks.before(*block) && !blocks.after(*block)) {
-    Chunk* const chunk = block->chunk;
-    const std::uint64_t size = block->size;
-    remove(block);
-    retireChunk(chunk, size);
-  } else {
-    freeBlocks.insert(entryOf(block));
-  }
+  giveBack(block);
   --allocatedBlocks;
 }
 
@@ -159,7 +150,7 @@ Block* MMAllocator<Chunk, Block>::splitFront(Block* rest, std::uint64_t size) {
     rest->offset += size;
     rest->size -= size;
   }
-  freeBlocks.insert(entryOf(rest));
+  giveBack(rest);
   return front;
 }
 
@@ -178,6 +169,19 @@ Block* MMAllocator<Chunk, Block>::makeChunk(std::uint64_t size) {
   else
     retireChunk(chunk, size);
   return block;
+}
+
+/// Enters a free block in the free set, or retires its chunk where there is no other block.
+template <class Chunk, class Block>
+void MMAllocator<Chunk, Block>::giveBack(Block* block) {
+  Chunk* const chunk = block->chunk;
+  if (chunk->blocks.before(*block) || chunk->blocks.after(*block)) {
+    freeBlocks.insert(entryOf(block));
+    return;
+  }
+  const std::uint64_t size = block->size;
+  remove(block);
+  retireChunk(chunk, size);
 }
 
 /// Keeps a chunk that has no blocks as the spare one, or destroys it.

@@ -29,8 +29,6 @@ public:
   QV_BASE_API void unmapCachedMappings();
 
 private:
-  friend struct MMAllocatorCheck;
-
   qv::ImplHandle handle_;
 };
 

@@ -30,8 +30,6 @@ public:
   void unmapCachedMappings();
 
 private:
-  friend struct MMAllocatorCheck;
-
   ChunkImpl* createChunk(std::uint64_t size) override;
   MoveableChunk* createBlock(std::uint64_t size, ChunkImpl* chunk, std::uint64_t offset, bool free) override;
   void destroyChunk(ChunkImpl* chunk) override;

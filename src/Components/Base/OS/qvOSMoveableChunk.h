@@ -11,7 +11,6 @@
 namespace qvOS {
 
 struct ChunkImpl;
-struct MMAllocatorCheck;
 template <class Chunk, class Block>
 class MMAllocator;
 
@@ -36,7 +35,6 @@ public:
 private:
   friend class AllocatorImpl;
   friend class MMAllocator<ChunkImpl, MoveableChunk>;
-  friend struct MMAllocatorCheck;
 
   MoveableChunk(std::uint64_t bytes, ChunkImpl* owner, std::uint64_t start, bool isFree) noexcept
       : size(bytes), chunk(owner), offset(start), free(isFree) {}

@@ -41,8 +41,6 @@ public:
   [[nodiscard]] QV_BASE_API Stats getStats();
 
 private:
-  friend struct MMAllocatorCheck;
-
   qv::ImplHandle handle_;
 };
 

@@ -62,7 +62,7 @@ public:
   void load(std::uint64_t begin, std::uint64_t end) override { window.load(begin, end); }
 
 private:
-  friend struct MMAllocatorCheck;
+  friend MMAllocator<Chunk, VChunk>::Check;
 
   MoveableMemImpl& memory;
   VChunk& block;

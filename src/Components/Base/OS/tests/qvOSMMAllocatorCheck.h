@@ -9,24 +9,43 @@
 
 #include <set>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace qvOS {
 
-struct MMAllocatorCheck {
-  static const MoveableMemImpl& of(const MoveableMemory& memory) {
-    return memory.handle_.as<MoveableMemImpl>();
+/// @{ What a handle holds: an `ImplHandle` is all that there is of it.
+template <class Impl, class Handle>
+const Impl& implOf(const Handle& handle) {
+  static_assert(std::is_standard_layout_v<Handle> && sizeof(Handle) == sizeof(qv::ImplHandle));
+  return reinterpret_cast<const qv::ImplHandle&>(handle).as<Impl>();
+}
+inline const MoveableMemImpl& implOf(const MoveableMemory& memory) {
+  return implOf<MoveableMemImpl, MoveableMemory>(memory);
+}
+inline const AllocatorImpl& implOf(const MoveableAllocator& allocator) {
+  return implOf<AllocatorImpl, MoveableAllocator>(allocator);
+}
+/// @}
+
+/// Sees what its allocator sees, the fields of `MoveableChunk` too.
+template <class Chunk, class Block>
+struct MMAllocator<Chunk, Block>::Check {
+  struct Chunks {
+    int count;
+    bool hasSpare;
+    bool operator==(const Chunks&) const = default;
+  };
+  static Chunks chunks(const MMAllocator& allocator) {
+    return {allocator.chunkCount, allocator.spareChunk != nullptr};
   }
-  static const AllocatorImpl& of(const MoveableAllocator& allocator) {
-    return allocator.handle_.as<AllocatorImpl>();
+  template <class Mapping>
+  static Block* blockOf(const Mapping& mapping) {
+    return &mapping.block;
   }
-  static VChunk* blockOf(MoveableMapping& mapping) { return &static_cast<MappingImpl&>(mapping).block; }
-  static int chunkCount(const MoveableMemory& memory) { return of(memory).chunkCount; }
-  static bool hasSpare(const MoveableMemory& memory) { return of(memory).spareChunk != nullptr; }
 
   /// The free blocks of a level by size, chunk and offset: the first that is large enough fits best.
   using Key = std::tuple<std::uint64_t, std::uintptr_t, std::uint64_t>;
-  template <class Chunk>
   struct State {
     std::set<Chunk*> chunks; // but for a spare one
     std::set<Key> free;
@@ -34,9 +53,8 @@ struct MMAllocatorCheck {
 
   /// Checks that `used` are all blocks in use, that blocks fill their chunks without a gap, that no two free
   /// neighbours are there, and that the free set has all free blocks in their order, and no others.
-  template <class Chunk, class Block>
-  static State<Chunk> walk(const MMAllocator<Chunk, Block>& allocator, const std::set<Block*>& used) {
-    State<Chunk> state;
+  static State walk(const MMAllocator& allocator, const std::set<Block*>& used) {
+    State state;
     for (Block* block : used) state.chunks.insert(block->chunk);
     std::vector<Key> told;
     for (const auto& entry : allocator.freeBlocks) {
@@ -72,9 +90,8 @@ struct MMAllocatorCheck {
 
   /// Whether a block is where a request of that size belonged in this state: in the best fit, if there was
   /// any.
-  template <class Chunk, class Block>
-  static bool isBestFit(const MMAllocator<Chunk, Block>& allocator, const State<Chunk>& state,
-                        std::uint64_t size, const Block& block) {
+  static bool isBestFit(const MMAllocator& allocator, const State& state, std::uint64_t size,
+                        const Block& block) {
     if (size > allocator.maxBlockSize) return block.size == size;
     const std::uint64_t rounded =
         (size + allocator.alignment - 1) / allocator.alignment * allocator.alignment;
@@ -84,11 +101,13 @@ struct MMAllocatorCheck {
   }
 
 private:
-  template <class Block>
-  static Key keyOf(const Block& block) {
-    return {block.size, reinterpret_cast<std::uintptr_t>(block.chunk), block.offset};
+  template <class Place>
+  static Key keyOf(const Place& place) {
+    return {place.size, reinterpret_cast<std::uintptr_t>(place.chunk), place.offset};
   }
-  static std::uint64_t sizeOf(const Chunk& chunk) { return static_cast<std::uint64_t>(chunk.file.getSize()); }
+  static std::uint64_t sizeOf(const qvOS::Chunk& chunk) {
+    return static_cast<std::uint64_t>(chunk.file.getSize());
+  }
   static std::uint64_t sizeOf(const ChunkImpl& chunk) { return chunk.size; }
 };
 

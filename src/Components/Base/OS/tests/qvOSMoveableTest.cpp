@@ -18,7 +18,8 @@
 namespace {
 
 using namespace qvOS;
-using Check = MMAllocatorCheck;
+using SmallCheck = AllocatorImpl::Check;
+using LargeCheck = MoveableMemImpl::Check;
 using Mapping = qv::Reference<MoveableMapping>;
 using Small = std::unique_ptr<MoveableChunk>;
 
@@ -98,26 +99,25 @@ TEST(Moveable, ARestOfOneUnitIsNotSplitOff) {
 
 TEST(Moveable, OneEmptyFileIsKept) {
   Memory memory;
+  using Chunks = LargeCheck::Chunks;
+  const auto chunks = [&] { return LargeCheck::chunks(implOf(memory)); };
   std::vector<Mapping> blocks;
   for (int i = 0; i < 8; ++i) blocks.push_back(memory.allocate(32 * mib));
-  EXPECT_EQ(Check::chunkCount(memory), 2);
+  EXPECT_EQ(chunks(), (Chunks{2, false}));
   { // one with its own size goes with its block
     const Mapping own = memory.allocate(32 * mib + 1);
-    EXPECT_EQ(Check::chunkCount(memory), 3);
+    EXPECT_EQ(chunks(), (Chunks{3, false}));
   }
-  EXPECT_EQ(Check::chunkCount(memory), 2);
+  EXPECT_EQ(chunks(), (Chunks{2, false}));
   // The blocks of the first file go in an odd order, and it is one block again.
   for (const std::size_t i : {2u, 0u, 3u, 1u}) blocks[i] = nullptr;
-  EXPECT_TRUE(Check::hasSpare(memory));
-  EXPECT_EQ(Check::chunkCount(memory), 2);
+  EXPECT_EQ(chunks(), (Chunks{2, true}));
   blocks[0] = memory.allocate(128 * mib); // takes the spare one
-  EXPECT_FALSE(Check::hasSpare(memory));
-  EXPECT_EQ(Check::chunkCount(memory), 2);
+  EXPECT_EQ(chunks(), (Chunks{2, false}));
   blocks.clear();
-  EXPECT_TRUE(Check::hasSpare(memory));
-  EXPECT_EQ(Check::chunkCount(memory), 1);
+  EXPECT_EQ(chunks(), (Chunks{1, true}));
   EXPECT_EQ(figures(memory), (Figures{0, 0, 0, 0, 0})); // asking gives it back
-  EXPECT_EQ(Check::chunkCount(memory), 0);
+  EXPECT_EQ(chunks(), (Chunks{0, false}));
 }
 
 TEST(Moveable, CountsMappedBytes) {
@@ -239,10 +239,10 @@ public:
     std::set<MoveableChunk*> small;
     for (const Block& block : blocks_)
       if (block.small) small.insert(block.small.get());
-    small_ = Check::walk(Check::of(allocator_), small);
+    small_ = SmallCheck::walk(implOf(allocator_), small);
     std::set<VChunk*> large;
-    for (const Mapping& mapping : mappings()) large.insert(Check::blockOf(*mapping));
-    large_ = Check::walk(Check::of(memory_), large);
+    for (const Mapping& mapping : mappings()) large.insert(blockOf(mapping));
+    large_ = LargeCheck::walk(implOf(memory_), large);
   }
 
   void dropAll() {
@@ -262,6 +262,10 @@ private:
     void unmap() const { large ? large->unmap() : small->unmap(); }
   };
 
+  static VChunk* blockOf(const Mapping& mapping) {
+    return LargeCheck::blockOf(static_cast<const MappingImpl&>(*mapping));
+  }
+
   std::vector<Mapping> mappings() const {
     std::vector<Mapping> all;
     for (const Block& block : blocks_)
@@ -280,8 +284,8 @@ private:
       block.large = memory_.allocate(size);
     ASSERT_EQ(block.small || block.large, size > 0);
     if (size == 0) return;
-    EXPECT_TRUE(isSmall ? Check::isBestFit(Check::of(allocator_), small_, size, *block.small)
-                        : Check::isBestFit(Check::of(memory_), large_, size, *Check::blockOf(*block.large)));
+    EXPECT_TRUE(isSmall ? SmallCheck::isBestFit(implOf(allocator_), small_, size, *block.small)
+                        : LargeCheck::isBestFit(implOf(memory_), large_, size, *blockOf(block.large)));
     largeBytes_ += isSmall ? 0 : block.large->getSize();
     qvTest::writePattern(block.map(), size, block.seed);
     blocks_.push_back(std::move(block));
@@ -325,8 +329,8 @@ private:
   Memory memory_;
   MoveableAllocator allocator_{memory_};
   std::vector<Block> blocks_;
-  Check::State<Chunk> large_;
-  Check::State<ChunkImpl> small_;
+  LargeCheck::State large_;
+  SmallCheck::State small_;
   std::uint64_t largeBytes_ = 0, lostBytes_ = 0;
 };
 
