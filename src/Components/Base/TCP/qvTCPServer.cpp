@@ -37,8 +37,7 @@ public:
 
   void stop(std::unique_ptr<ListeningSocket>& socket) {
     if (!socket) return;
-    if (const SocketHandle handle = socket->getImpl()->handle; handle != noSocket)
-      std::replace(sockets.begin(), sockets.end(), handle, noSocket);
+    std::replace(sockets.begin(), sockets.end(), socket->getImpl()->handle, noSocket);
     socket.reset();
   }
 
@@ -137,18 +136,16 @@ Error Server::isBindError(int result) {
 Error Server::listen() {
   auto& impl = impl_.as<ServerImpl>();
   const bool autoPort = impl.port == chosenBySystem;
-  Error error;
-  for (int attempts = 8; attempts > 0; --attempts) {
+  for (int attempts = 8;; --attempts) {
     impl.stop(impl.ipv4Socket);
     impl.stop(impl.ipv6Socket);
     impl.ipv4Socket = std::make_unique<ListeningSocket>();
     impl.ipv6Socket = std::make_unique<ListeningSocket>();
     if (autoPort) impl.port = chosenBySystem;
-    error = Error();
+    Error error;
     listenIpv6And4(error);
-    if (!autoPort || error.num() != portInUse) break;
+    if (!autoPort || error.num() != portInUse || attempts == 1) return error;
   }
-  return error;
 }
 
 // The port that the system chooses for IPv6 serves IPv4 as well. What was opened and not bound is closed at
