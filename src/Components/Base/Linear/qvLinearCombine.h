@@ -26,9 +26,9 @@ template <detail::Combined T>
   return detail::build<T>([&](int i) { return wa * a[i] + wb * b[i]; });
 }
 
-/// The same of unit directions. The sum is seldom one.
-[[nodiscard]] constexpr Vector combine(double wa, const Normal& a, double wb, const Normal& b) noexcept {
-  return combine(wa, Vector(a), wb, Vector(b));
+/// The same of two vectors of any class, or normals. The sum is then a `Vector`, seldom of unit length.
+[[nodiscard]] constexpr Vector combine(double wa, const Vector& a, double wb, const Vector& b) noexcept {
+  return combine<Vector>(wa, a, wb, b);
 }
 
 /// The sum of `n` items, each times its weight. Nothing divides by the sum of the weights. Zero where `n` is

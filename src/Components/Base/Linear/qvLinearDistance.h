@@ -1,8 +1,7 @@
 // How far values lie apart: distance, and equality within a tolerance.
 #pragma once
 
-#include "Base/Linear/qvLinearComponents.h"
-#include "Base/Linear/qvLinearForward.h"
+#include "Base/Linear/qvLinearPoint.h"
 
 namespace qvLinear {
 
@@ -30,13 +29,31 @@ template <detail::Distant T>
   return std::sqrt(static_cast<double>(distance2(a, b)));
 }
 
+/// @{ Of two different classes that convert to a `Point`.
+[[nodiscard]] constexpr double distance2(const Point& a, const Point& b) noexcept {
+  return distance2<Point>(a, b);
+}
+[[nodiscard]] inline double distance(const Point& a, const Point& b) noexcept {
+  return distance<Point>(a, b);
+}
+/// @}
+
 /// Whether every number differs by strictly less than the tolerance. Narrow numbers are subtracted wide.
 /// Normals are compared by their numbers alone.
+/// @{
 template <detail::Comparable T>
 [[nodiscard]] inline bool equivalent(const T& a, const T& b, double tolerance) noexcept {
   bool same = true;
   detail::forEach<T::size>([&](int i) { same &= std::fabs(double{a[i]} - double{b[i]}) < tolerance; });
   return same;
 }
+/// Of two different classes that convert to a `Vector`, or to a `Point`.
+[[nodiscard]] inline bool equivalent(const Vector& a, const Vector& b, double tolerance) noexcept {
+  return equivalent<Vector>(a, b, tolerance);
+}
+[[nodiscard]] inline bool equivalent(const Point& a, const Point& b, double tolerance) noexcept {
+  return equivalent<Point>(a, b, tolerance);
+}
+/// @}
 
 } // namespace qvLinear

@@ -11,12 +11,12 @@ public:
   RPoint() = default;
   constexpr RPoint(double x, double y, double z, double w) noexcept : Coordinates(x, y, z, w) {}
   /// From numbers in memory.
-  explicit constexpr RPoint(detail::PointerTo<double> auto from) noexcept
+  constexpr RPoint(detail::PointerTo<double> auto from) noexcept
       : RPoint(from[0], from[1], from[2], from[3]) {}
   /// With w = 1.
   constexpr RPoint(const Point& p) noexcept : RPoint(p, 1) {}
   /// Multiplies x, y, z by 1 / w and keeps w; infinities or not-a-number where w is 0.
-  explicit constexpr RPoint(const HPoint& p) noexcept;
+  constexpr RPoint(const HPoint& p) noexcept;
 
   /// @{ Moves the position and keeps the weight.
   constexpr RPoint& operator+=(const Vector& v) noexcept {
@@ -39,12 +39,12 @@ public:
   HPoint() = default;
   constexpr HPoint(double x, double y, double z, double w) noexcept : Arithmetic(x, y, z, w) {}
   /// From numbers in memory.
-  explicit constexpr HPoint(detail::PointerTo<double> auto from) noexcept
+  constexpr HPoint(detail::PointerTo<double> auto from) noexcept
       : HPoint(from[0], from[1], from[2], from[3]) {}
   /// With w = 1.
   constexpr HPoint(const Point& p) noexcept : HPoint(p[0], p[1], p[2], 1) {}
   /// Multiplies x, y, z by w and keeps w.
-  explicit constexpr HPoint(const RPoint& p) noexcept : HPoint(p[0] * p[3], p[1] * p[3], p[2] * p[3], p[3]) {}
+  constexpr HPoint(const RPoint& p) noexcept : HPoint(p[0] * p[3], p[1] * p[3], p[2] * p[3], p[3]) {}
 
   /// Whether the point lies in the view volume: -w <= x <= w, -w <= y <= w and -w <= z, and, if `checkFar`,
   /// also z <= w.

@@ -27,9 +27,9 @@ public:
   Normal() = default;
   Normal(double dx, double dy, double dz) noexcept : Normal(Vector(dx, dy, dz)) {}
   /// From numbers in memory.
-  explicit Normal(detail::PointerTo<double> auto from) noexcept : Normal(Vector(from)) {}
-  explicit Normal(const Vector& v) noexcept : direction_(v), valid_(direction_.normalize()) {}
-  Normal& operator=(const Vector& v) noexcept { return *this = Normal(v); }
+  Normal(detail::PointerTo<double> auto from) noexcept : Normal(Vector(from)) {}
+  /// Also by assignment: `normal = vector` normalises.
+  Normal(const Vector& v) noexcept : direction_(v), valid_(direction_.normalize()) {}
   /// @{ Valid, with the numbers as they are.
   constexpr Normal(Promise promise, double dx, double dy, double dz) noexcept
       : Normal(promise, Vector(dx, dy, dz)) {}
@@ -63,9 +63,6 @@ public:
     return direction_;
   }
 
-  /// Exact, and of the numbers alone: all invalid normals are equal.
-  constexpr bool operator==(const Normal& other) const noexcept { return direction_ == other.direction_; }
-
   /// @{ 1, or 0 where invalid, unless a promise was not kept.
   [[nodiscard]] double length() const noexcept { return direction_.length(); }
   [[nodiscard]] constexpr double length2() const noexcept { return direction_.length2(); }
@@ -78,8 +75,21 @@ public:
   /// A vector at a right angle to this one, of any length.
   [[nodiscard]] constexpr Vector orthogonalVector() const noexcept { return direction_.orthogonalVector(); }
 
-  friend constexpr Vector operator+(const Normal& a, const Normal& b) noexcept { return Vector(a) + b; }
-  friend constexpr Vector operator-(const Normal& a, const Normal& b) noexcept { return Vector(a) - b; }
+  /// @{ Of two normals and nothing that only converts to one: beside a `Vector` a normal is taken for a vector.
+  /// The comparison is exact and of the numbers alone, so that all invalid normals are equal.
+  template <std::same_as<Normal> N>
+  friend constexpr bool operator==(const N& a, const N& b) noexcept {
+    return a.direction_ == b.direction_;
+  }
+  template <std::same_as<Normal> N>
+  friend constexpr Vector operator+(const N& a, const N& b) noexcept {
+    return a.direction_ + b.direction_;
+  }
+  template <std::same_as<Normal> N>
+  friend constexpr Vector operator-(const N& a, const N& b) noexcept {
+    return a.direction_ - b.direction_;
+  }
+  /// @}
   friend constexpr Normal operator-(Normal n) noexcept { return n.reverse(); }
   friend constexpr Vector operator*(const Normal& n, double factor) noexcept { return Vector(n) * factor; }
   friend constexpr Vector operator*(double factor, const Normal& n) noexcept { return Vector(n) * factor; }

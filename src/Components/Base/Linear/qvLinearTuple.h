@@ -43,7 +43,7 @@ public:
   Tuple2() = default;
   constexpr Tuple2(double first, double second) noexcept : Tuple(first, second) {}
   /// From numbers in memory.
-  explicit constexpr Tuple2(detail::PointerTo<double> auto from) noexcept : Tuple2(from[0], from[1]) {}
+  constexpr Tuple2(detail::PointerTo<double> auto from) noexcept : Tuple2(from[0], from[1]) {}
 };
 
 /// Three bare numbers.
@@ -54,7 +54,7 @@ public:
   Tuple3() = default;
   constexpr Tuple3(double first, double second, double third) noexcept : Tuple(first, second, third) {}
   /// From numbers in memory.
-  explicit constexpr Tuple3(detail::PointerTo<double> auto from) noexcept
+  constexpr Tuple3(detail::PointerTo<double> auto from) noexcept
       : Tuple3(from[0], from[1], from[2]) {}
 };
 
@@ -67,7 +67,7 @@ public:
   constexpr Tuple4(double first, double second, double third, double fourth) noexcept
       : Tuple(first, second, third, fourth) {}
   /// From numbers in memory.
-  explicit constexpr Tuple4(detail::PointerTo<double> auto from) noexcept
+  constexpr Tuple4(detail::PointerTo<double> auto from) noexcept
       : Tuple4(from[0], from[1], from[2], from[3]) {}
 };
 

@@ -21,7 +21,7 @@ public:
   Vector() = default;
   constexpr Vector(double dx, double dy, double dz) noexcept : Arithmetic(dx, dy, dz) {}
   /// From numbers in memory.
-  explicit constexpr Vector(detail::PointerTo<double> auto from) noexcept
+  constexpr Vector(detail::PointerTo<double> auto from) noexcept
       : Vector(from[0], from[1], from[2]) {}
   /// With z = 0.
   constexpr Vector(const Vector2& v) noexcept;
@@ -54,7 +54,7 @@ public:
 
   Vector2() = default;
   constexpr Vector2(double dx, double dy) noexcept : Arithmetic(dx, dy) {}
-  explicit constexpr Vector2(detail::PointerTo<double> auto from) noexcept : Vector2(from[0], from[1]) {}
+  constexpr Vector2(detail::PointerTo<double> auto from) noexcept : Vector2(from[0], from[1]) {}
   constexpr Vector2(const Vector2Flt& v) noexcept;
 
   [[nodiscard]] double length() const noexcept { return std::sqrt(length2()); }
@@ -91,7 +91,7 @@ public:
   /// Numbers of any type, also whole ones and a mixture; they are narrowed.
   constexpr VectorFlt(detail::Numeric auto dx, detail::Numeric auto dy, detail::Numeric auto dz) noexcept
       : Arithmetic(dx, dy, dz) {}
-  explicit constexpr VectorFlt(detail::PointerTo<float> auto from) noexcept
+  constexpr VectorFlt(detail::PointerTo<float> auto from) noexcept
       : VectorFlt(from[0], from[1], from[2]) {}
   constexpr VectorFlt(const Vector2Flt& v) noexcept;
   explicit constexpr VectorFlt(const Vector& v) noexcept;
@@ -119,7 +119,7 @@ public:
 
   Vector2Flt() = default;
   constexpr Vector2Flt(detail::Numeric auto dx, detail::Numeric auto dy) noexcept : Arithmetic(dx, dy) {}
-  explicit constexpr Vector2Flt(detail::PointerTo<float> auto from) noexcept : Vector2Flt(from[0], from[1]) {}
+  constexpr Vector2Flt(detail::PointerTo<float> auto from) noexcept : Vector2Flt(from[0], from[1]) {}
   explicit constexpr Vector2Flt(const Vector2& v) noexcept;
 
   [[nodiscard]] double length() const noexcept { return std::sqrt(double{length2()}); }
