@@ -75,8 +75,8 @@ public:
   /// A vector at a right angle to this one, of any length.
   [[nodiscard]] constexpr Vector orthogonalVector() const noexcept { return direction_.orthogonalVector(); }
 
-  /// @{ Of two normals and nothing that only converts to one: beside a `Vector` a normal is taken for a vector.
-  /// The comparison is exact and of the numbers alone, so that all invalid normals are equal.
+  /// @{ Of two normals and nothing that only converts to one: beside a `Vector` a normal is taken for a
+  /// vector. The comparison is exact and of the numbers alone, so that all invalid normals are equal.
   template <std::same_as<Normal> N>
   friend constexpr bool operator==(const N& a, const N& b) noexcept {
     return a.direction_ == b.direction_;

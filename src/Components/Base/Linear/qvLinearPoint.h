@@ -34,7 +34,8 @@ private:
 
 } // namespace base
 
-/// A position in space. Two positions have a difference and a distance, and no sum. The base gives `set`, `get`,
+/// A position in space. Two positions have a difference and a distance, and no sum. The base gives `set`,
+/// `get`,
 /// `[]`, pointers, comparison, and how vectors move a point.
 class Point : public base::Position<Point, Vector, double, 3> {
 public:
@@ -44,7 +45,7 @@ public:
   constexpr Point(double x, double y, double z) noexcept : Position(x, y, z) {}
   /// @{ From numbers in memory.
   constexpr Point(detail::PointerTo<double> auto from) noexcept : Point(from[0], from[1], from[2]) {}
-  constexpr Point(detail::PointerTo<float> auto from) noexcept : Point(from[0], from[1], from[2]) {}
+  explicit constexpr Point(detail::PointerTo<float> auto from) noexcept : Point(from[0], from[1], from[2]) {}
   /// @}
   /// With z = 0.
   constexpr Point(const Point2& p) noexcept;
@@ -69,7 +70,7 @@ public:
   Point2() = default;
   constexpr Point2(double x, double y) noexcept : Position(x, y) {}
   constexpr Point2(detail::PointerTo<double> auto from) noexcept : Point2(from[0], from[1]) {}
-  constexpr Point2(detail::PointerTo<float> auto from) noexcept : Point2(from[0], from[1]) {}
+  explicit constexpr Point2(detail::PointerTo<float> auto from) noexcept : Point2(from[0], from[1]) {}
   constexpr Point2(const Point2Flt& p) noexcept;
 
   [[nodiscard]] constexpr Vector2 asVector2() const noexcept { return offset(); }
@@ -90,9 +91,8 @@ public:
   PointFlt() = default;
   constexpr PointFlt(detail::Numeric auto x, detail::Numeric auto y, detail::Numeric auto z) noexcept
       : Position(x, y, z) {}
-  constexpr PointFlt(detail::PointerTo<float> auto from) noexcept
-      : PointFlt(from[0], from[1], from[2]) {}
-  constexpr PointFlt(detail::PointerTo<double> auto from) noexcept
+  constexpr PointFlt(detail::PointerTo<float> auto from) noexcept : PointFlt(from[0], from[1], from[2]) {}
+  explicit constexpr PointFlt(detail::PointerTo<double> auto from) noexcept
       : PointFlt(from[0], from[1], from[2]) {}
   constexpr PointFlt(const Point2Flt& p) noexcept;
   explicit constexpr PointFlt(const Point& p) noexcept : PointFlt(p[0], p[1], p[2]) {}
@@ -111,7 +111,7 @@ public:
   Point2Flt() = default;
   constexpr Point2Flt(detail::Numeric auto x, detail::Numeric auto y) noexcept : Position(x, y) {}
   constexpr Point2Flt(detail::PointerTo<float> auto from) noexcept : Point2Flt(from[0], from[1]) {}
-  constexpr Point2Flt(detail::PointerTo<double> auto from) noexcept : Point2Flt(from[0], from[1]) {}
+  explicit constexpr Point2Flt(detail::PointerTo<double> auto from) noexcept : Point2Flt(from[0], from[1]) {}
   explicit constexpr Point2Flt(const Point2& p) noexcept : Point2Flt(p[0], p[1]) {}
 
   [[nodiscard]] constexpr Vector2Flt asVector2Flt() const noexcept { return offset(); }

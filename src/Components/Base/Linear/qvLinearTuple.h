@@ -54,8 +54,7 @@ public:
   Tuple3() = default;
   constexpr Tuple3(double first, double second, double third) noexcept : Tuple(first, second, third) {}
   /// From numbers in memory.
-  constexpr Tuple3(detail::PointerTo<double> auto from) noexcept
-      : Tuple3(from[0], from[1], from[2]) {}
+  constexpr Tuple3(detail::PointerTo<double> auto from) noexcept : Tuple3(from[0], from[1], from[2]) {}
 };
 
 /// Four bare numbers.

@@ -21,8 +21,7 @@ public:
   Vector() = default;
   constexpr Vector(double dx, double dy, double dz) noexcept : Arithmetic(dx, dy, dz) {}
   /// From numbers in memory.
-  constexpr Vector(detail::PointerTo<double> auto from) noexcept
-      : Vector(from[0], from[1], from[2]) {}
+  constexpr Vector(detail::PointerTo<double> auto from) noexcept : Vector(from[0], from[1], from[2]) {}
   /// With z = 0.
   constexpr Vector(const Vector2& v) noexcept;
   constexpr Vector(const VectorFlt& v) noexcept;
@@ -91,8 +90,7 @@ public:
   /// Numbers of any type, also whole ones and a mixture; they are narrowed.
   constexpr VectorFlt(detail::Numeric auto dx, detail::Numeric auto dy, detail::Numeric auto dz) noexcept
       : Arithmetic(dx, dy, dz) {}
-  constexpr VectorFlt(detail::PointerTo<float> auto from) noexcept
-      : VectorFlt(from[0], from[1], from[2]) {}
+  constexpr VectorFlt(detail::PointerTo<float> auto from) noexcept : VectorFlt(from[0], from[1], from[2]) {}
   constexpr VectorFlt(const Vector2Flt& v) noexcept;
   explicit constexpr VectorFlt(const Vector& v) noexcept;
 
