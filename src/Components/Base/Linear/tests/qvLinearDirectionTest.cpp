@@ -18,20 +18,16 @@ TEST(LinearDirection, Angles) {
   EXPECT_EQ(out, pi / 2);
   EXPECT_TRUE(angle(Normal::z, Normal::z, out));
   EXPECT_EQ(out, 0);
-}
 
-TEST(LinearDirection, UnitCircleRotation) {
   EXPECT_NEAR(unitCircleRotation(Normal::x, Vector(1, 5, 0), Vector(1, 0, 9), false), pi / 4, 1e-15);
   EXPECT_NEAR(unitCircleRotation(Normal::x, Vector::y, -Vector::x, false), -pi / 2, 1e-15);
   EXPECT_NEAR(unitCircleRotation(Normal::x, Vector::y, -Vector::x, true), 3 * pi / 2, 1e-15);
   EXPECT_EQ(unitCircleRotation(invalid, -Vector::x, -Vector::x, true), 0);
-}
 
-TEST(LinearDirection, ParallelAndPerpendicular) {
   const double below = toRadians(degreeTol) * 0.9;
   const double above = toRadians(degreeTol) * 1.1;
   const auto turned = [](double by, const Vector& from, const Vector& to) {
-    return Normal(std::cos(by) * from + std::sin(by) * to);
+    return combine(std::cos(by), from, std::sin(by), to); // a vector, which turns into a normal by itself
   };
   for (const double sign : {1., -1.}) {
     const Normal x(sign, 0, 0);
@@ -67,7 +63,7 @@ TEST(LinearDirection, DominantAxis) {
   }
 }
 
-TEST(LinearScalar, UnitsAndExtremes) {
+TEST(LinearDirection, UnitsExtremesAndTheView) {
   EXPECT_NEAR(toRadians(180), pi, 1e-15);
   EXPECT_NEAR(toDegrees(pi / 2), 90, 1e-13);
   double n[] = {1, 2, 3, 4};
@@ -77,9 +73,7 @@ TEST(LinearScalar, UnitsAndExtremes) {
     EXPECT_EQ(qvLinear::max(n[0], n[1], n[2]), n[3] == 4 ? 3 : 4);
     EXPECT_EQ(qvLinear::min(n[0], n[1], n[2]), n[3] == 1 ? 2 : 1);
   } while (std::next_permutation(n, n + 4));
-}
 
-TEST(LinearHPoint, InsideView) {
   for (int axis = 0; axis < 3; ++axis) {
     for (const double at : {-2.5, -2.0, 0.0, 2.0, 2.5}) {
       HPoint p(0, 0, 0, 2);

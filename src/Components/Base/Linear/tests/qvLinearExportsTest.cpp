@@ -1,5 +1,4 @@
-// What the library exports: constants and tolerances, which stand before any initialiser runs, and text
-// forms.
+// What the library exports: constants, tolerances and text forms.
 #include "Base/Linear/qvLinearAffineMatrix2.h"
 #include "Base/Linear/qvLinearNormal.h"
 #include "Base/Linear/qvLinearPoint.h"
@@ -17,56 +16,46 @@ using namespace qvLinear;
 
 namespace {
 
-// An initialiser of this unit, like any host's.
-const struct Early {
-  double tolerances[9] = {epsilonTol,       epsilon2Tol,       epsilonTolFlt, epsilon2TolFlt, degreeTol,
-                          perpendicularTol, perpendicular2Tol, parallelTol,   parallel2Tol};
-  Vector vectors[4] = {Vector::x, Vector::y, Vector::z, Vector::zero};
-  VectorFlt narrow[4] = {VectorFlt::x, VectorFlt::y, VectorFlt::z, VectorFlt::zero};
-  Vector2 flat[3] = {Vector2::x, Vector2::y, Vector2::zero};
-  Vector2Flt flatNarrow[3] = {Vector2Flt::x, Vector2Flt::y, Vector2Flt::zero};
-  Normal normals[3] = {Normal::x, Normal::y, Normal::z};
-  Point origin = Point::origin;
-  bool origins = Point2::origin == Point2(0, 0) && PointFlt::origin == PointFlt(0, 0, 0) &&
-                 Point2Flt::origin == Point2Flt(0, 0);
-  bool zeros =
-      Tuple2::zero == Tuple2(0, 0) && Tuple3::zero == Tuple3(0, 0, 0) && Tuple4::zero == Tuple4(0, 0, 0, 0);
-  bool identities = AffineMatrix::Identity == AffineMatrix(1.0) &&
-                    AffineMatrix2::Identity == AffineMatrix2(1.0) &&
-                    AffineMatrixFlt::Identity == AffineMatrixFlt(1.0F) &&
-                    ProjMatrix::Identity == ProjMatrix(1.0) && ProjMatrixFlt::Identity == ProjMatrixFlt(1.0F);
-} early;
-
-TEST(LinearExports, TolerancesStandBeforeInitialisersRun) {
-  const double degree = 1e-5 * std::numbers::pi / 180;
-  const double expected[9] = {1e-12,
-                              1e-24,
-                              1e-6F,
-                              1e-12F,
-                              1e-5,
-                              std::sin(degree),
-                              std::sin(degree) * std::sin(degree),
-                              std::cos(degree),
-                              std::cos(degree) * std::cos(degree)};
-  for (int i = 0; i < 9; ++i)
-    EXPECT_NEAR(early.tolerances[i], expected[i], 2 * DBL_EPSILON * expected[i]) << i;
+/// Expects the axes in turn, and zero after the last.
+template <class T>
+void expectAxes(std::initializer_list<T> constants) {
+  int axis = 0;
+  for (const T& constant : constants) {
+    for (int i = 0; i < T::size; ++i) EXPECT_EQ(constant[i], i == axis ? 1 : 0);
+    ++axis;
+  }
 }
 
-TEST(LinearExports, ConstantsStandBeforeInitialisersRun) {
-  const auto expectAxes = [](const auto& constants, int count) {
-    using T = std::remove_cvref_t<decltype(constants[0])>;
-    for (int constant = 0; constant < count; ++constant)
-      for (int i = 0; i < T::size; ++i) EXPECT_EQ(constants[constant][i], i == constant ? 1 : 0);
-  };
-  EXPECT_TRUE(early.identities);
-  expectAxes(early.vectors, 4);
-  expectAxes(early.narrow, 4);
-  expectAxes(early.flat, 3);
-  expectAxes(early.flatNarrow, 3);
-  expectAxes(early.normals, 3);
-  for (const Normal& n : early.normals) EXPECT_TRUE(n.isValid());
-  EXPECT_EQ(early.origin, Point(0, 0, 0));
-  EXPECT_TRUE(early.origins && early.zeros);
+TEST(LinearExports, TolerancesAndConstants) {
+  const double sine = std::sin(1e-5 * std::numbers::pi / 180);
+  const double cosine = std::cos(1e-5 * std::numbers::pi / 180);
+  const struct {
+    double value, expected;
+  } rows[] = {{epsilonTol, 1e-12},
+              {epsilon2Tol, 1e-24},
+              {epsilonTolFlt, 1e-6F},
+              {epsilon2TolFlt, 1e-12F},
+              {degreeTol, 1e-5},
+              {perpendicularTol, sine},
+              {perpendicular2Tol, sine * sine},
+              {parallelTol, cosine},
+              {parallel2Tol, cosine * cosine}};
+  for (const auto& row : rows)
+    EXPECT_NEAR(row.value, row.expected, 2 * DBL_EPSILON * row.expected) << row.expected;
+
+  expectAxes({Vector::x, Vector::y, Vector::z, Vector::zero});
+  expectAxes({VectorFlt::x, VectorFlt::y, VectorFlt::z, VectorFlt::zero});
+  expectAxes({Vector2::x, Vector2::y, Vector2::zero});
+  expectAxes({Vector2Flt::x, Vector2Flt::y, Vector2Flt::zero});
+  expectAxes({Normal::x, Normal::y, Normal::z});
+  EXPECT_TRUE(Normal::x.isValid() && Normal::y.isValid() && Normal::z.isValid());
+  EXPECT_TRUE(Point::origin == Point(0, 0, 0) && Point2::origin == Point2(0, 0) &&
+              PointFlt::origin == PointFlt(0, 0, 0) && Point2Flt::origin == Point2Flt(0, 0));
+  EXPECT_TRUE(Tuple2::zero == Tuple2(0, 0) && Tuple3::zero == Tuple3(0, 0, 0) &&
+              Tuple4::zero == Tuple4(0, 0, 0, 0));
+  EXPECT_TRUE(AffineMatrix::Identity == AffineMatrix(1.0) && AffineMatrix2::Identity == AffineMatrix2(1.0) &&
+              AffineMatrixFlt::Identity == AffineMatrixFlt(1.0F) && ProjMatrix::Identity == ProjMatrix(1.0) &&
+              ProjMatrixFlt::Identity == ProjMatrixFlt(1.0F));
 }
 
 template <class T>

@@ -37,10 +37,6 @@ struct ClassList {
 
 using Family = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, Normal,
                          RPoint, HPoint, Tuple2, Tuple3, Tuple4>;
-using Added = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, HPoint, Tuple2, Tuple3, Tuple4>;
-using Positions = ClassList<Point, Point2, PointFlt, Point2Flt>;
-using Combined =
-    ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, HPoint>;
 
 /// The value of class `T` with the first of these numbers; a normal is of any length.
 template <class T>

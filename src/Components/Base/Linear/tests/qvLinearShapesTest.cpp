@@ -27,24 +27,18 @@ protected:
 
 constexpr double tolerance = 1e-9;
 
-template <class AnyLine>
-void expectNearest(const AnyLine& line, const Point& p, double parameter) {
-  const Point foot = line.project(p);
-  EXPECT_NEAR(dot(p - foot, line.direction()), 0, tolerance);
-  EXPECT_NEAR(line.distanceTo(foot), 0, tolerance);
-  EXPECT_NEAR(line.distanceTo(p), distance(p, foot), tolerance);
-  EXPECT_NEAR(line.parameter(line.evaluate(parameter)), parameter, tolerance);
-}
-
 TEST_F(LinearShapes, NearestPointsOfLines) {
   for (int i = 0; i < 500; ++i) {
     const ParamLine line(point(), vector());
-    const Point p = point();
-    const double parameter = number();
-    expectNearest(line, p, parameter);
     const Line unit(line);
-    expectNearest(unit, p, parameter);
+    const Point p = point();
+    const Point foot = line.project(p);
+    EXPECT_NEAR(dot(p - foot, line.direction()), 0, tolerance);
+    EXPECT_NEAR(line.distanceTo(foot), 0, tolerance);
     EXPECT_NEAR(unit.distanceTo(p), line.distanceTo(p), tolerance);
+    EXPECT_NEAR(distance(unit.project(p), foot), 0, tolerance);
+    const double parameter = number();
+    EXPECT_NEAR(line.parameter(line.evaluate(parameter)), parameter, tolerance);
     EXPECT_NEAR(distance(unit.origin(), unit.evaluate(parameter)), std::fabs(parameter), tolerance);
   }
   const ParamLine spot(Point(1, 2, 3), Vector::zero);
@@ -96,38 +90,30 @@ TEST_F(LinearShapes, Planes) {
 TEST_F(LinearShapes, RangesBoundWhatTheyHold) {
   for (int i = 0; i < 300; ++i) {
     std::vector<Point> points;
-    for (int n = random_.between(1, 6); n > 0; --n) points.push_back(point());
-    const int count = static_cast<int>(points.size());
+    const int count = random_.between(1, 6);
+    for (int n = 0; n < count; ++n) points.push_back(point());
     const Range3d bounds(count, points.data());
     for (const Point& p : points) EXPECT_TRUE(bounds.contains(p));
     for (int axis = 0; axis < 3; ++axis) { // no smaller box does
-      const auto on = [&](const Point& end) {
-        return std::any_of(points.begin(), points.end(),
-                           [&](const Point& p) { return p[axis] == end[axis]; });
-      };
-      EXPECT_TRUE(on(bounds.low()) && on(bounds.high()));
+      double low = points[0][axis], high = low;
+      for (const Point& p : points) low = std::min(low, p[axis]), high = std::max(high, p[axis]);
+      EXPECT_TRUE(bounds.low()[axis] == low && bounds.high()[axis] == high);
     }
-    std::vector<Point> corners;
-    for (int corner = 0; corner < 8; ++corner) corners.push_back(bounds.corner(corner));
-    EXPECT_EQ(Range3d(8, corners.data()), bounds);
+    Point corners[8];
+    for (int corner = 0; corner < 8; ++corner) corners[corner] = bounds.corner(corner);
+    EXPECT_EQ(Range3d(8, corners), bounds);
     EXPECT_EQ(bounds.center() + bounds.diagonal() / 2, bounds.high());
 
     const Range3d other(2, std::vector<Point>{point(), point()}.data());
     Range3d both = bounds;
     both.extend(other);
     EXPECT_TRUE(both.contains(bounds) && both.contains(other));
-    // They meet where the box of the innermost ends is one.
-    Point low, high;
-    for (int axis = 0; axis < 3; ++axis) {
-      static_cast<double*>(low)[axis] = std::max(bounds.low()[axis], other.low()[axis]);
-      static_cast<double*>(high)[axis] = std::min(bounds.high()[axis], other.high()[axis]);
-    }
-    EXPECT_EQ(bounds.intersects(other), !Range3d(low, high).isEmpty());
-    EXPECT_EQ(other.intersects(bounds), bounds.intersects(other));
+    bool apart = false;
+    for (int axis = 0; axis < 3; ++axis)
+      apart |= bounds.high()[axis] < other.low()[axis] || other.high()[axis] < bounds.low()[axis];
+    EXPECT_TRUE(bounds.intersects(other) != apart && other.intersects(bounds) != apart);
   }
-}
 
-TEST(LinearRange3d, EmptyOnes) {
   Range3d empty;
   empty.setEmpty();
   const Range3d backwards(Point(1, 0, 0), Point(0, 5, 5));
