@@ -44,22 +44,19 @@ TEST(LinearDirection, Angles) {
 
 TEST(LinearDirection, DominantAxis) {
   const struct {
-    int line;
     Vector v;
     int dimension;
     Normal axis;
   } rows[] = {
-      {__LINE__, {3, 1, 2}, 0, Normal::x},     {__LINE__, {-3, 1, 2}, 0, -Normal::x},
-      {__LINE__, {1, -49, 2}, 1, -Normal::y},  {__LINE__, {1, 2, -49}, 2, -Normal::z},
-      {__LINE__, {1, 1, 1}, 1, Normal::y},     {__LINE__, {1, 0, 1}, 2, Normal::z},
-      {__LINE__, {1, 1, 0}, 1, Normal::y},     {__LINE__, {0, 1, -1}, 1, Normal::y},
-      {__LINE__, {1e-13, 0, 0}, 0, invalid},   {__LINE__, {0, 0, 0}, 1, invalid},
-      {__LINE__, {1e200, 0, 0}, 0, Normal::x},
+      {{3, 1, 2}, 0, Normal::x},    {{-3, 1, 2}, 0, -Normal::x},   {{1, -49, 2}, 1, -Normal::y},
+      {{1, 2, -49}, 2, -Normal::z}, {{1, 1, 1}, 1, Normal::y},     {{1, 0, 1}, 2, Normal::z},
+      {{1, 1, 0}, 1, Normal::y},    {{0, 1, -1}, 1, Normal::y},    {{1e-13, 0, 0}, 0, invalid},
+      {{0, 0, 0}, 1, invalid},      {{1e200, 0, 0}, 0, Normal::x},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(dominantDimension(row.v), row.dimension) << "line " << row.line;
-    EXPECT_EQ(dominantAxisSigned(row.v), row.axis) << "line " << row.line;
-    EXPECT_EQ(dominantAxisSigned(row.v).isValid(), row.axis != invalid) << "line " << row.line;
+    EXPECT_EQ(dominantDimension(row.v), row.dimension) << row.v;
+    EXPECT_EQ(dominantAxisSigned(row.v), row.axis) << row.v;
+    EXPECT_EQ(dominantAxisSigned(row.v).isValid(), row.axis != invalid) << row.v;
   }
 }
 
