@@ -1,8 +1,6 @@
 // Many values through one matrix.
 #pragma once
 
-#include "Base/Linear/qvLinearComponents.h"
-
 #include <cstddef>
 
 namespace qvLinear::detail {
@@ -14,8 +12,9 @@ void transformArray(Element* out, const Element* in, std::size_t count, Transfor
   using Number = typename Element::Number;
   for (; count >= group; count -= group, in += group, out += group) {
     decltype(transform(*in)) results[group];
-    forEach<group>([&](int i) { results[i] = transform(in[i]); });
-    forEach<group>([&](int i) { results[i].storeAt(static_cast<Number*>(out[i])); });
+    // Plain loops: a compiler gathers numbers of several rounds into one register, and unrolls short ones.
+    for (int i = 0; i < group; ++i) results[i] = transform(in[i]);
+    for (int i = 0; i < group; ++i) results[i].storeAt(static_cast<Number*>(out[i]));
   }
   for (; count > 0; --count, ++in, ++out) transform(*in).storeAt(static_cast<Number*>(*out));
 }
