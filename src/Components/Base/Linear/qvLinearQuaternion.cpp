@@ -77,11 +77,9 @@ Quaternion slerp(const Quaternion& a, const Quaternion& b, double t) noexcept {
     between.normalize();
     return between;
   }
-  const Quaternion aside = b - cosine * from; // at a right angle to `from`, as long as the sine of the angle
-  const double sine = aside.length();
-  // Where the angle is small, its cosine has lost the digits that its sine still has.
-  const double angle = (sine < cosine ? std::asin(sine) : std::acos(std::min(cosine, 1.0))) * t;
-  return std::cos(angle) * from + (std::sin(angle) / sine) * aside;
+  const double angle = std::acos(std::min(cosine, 1.0)) * t;
+  const Quaternion aside = b - cosine * from; // at a right angle to `from`
+  return std::cos(angle) * from + (std::sin(angle) / aside.length()) * aside;
 }
 
 } // namespace qvLinear
