@@ -22,13 +22,6 @@ double takeLength(Vector& row) noexcept {
   return length;
 }
 
-/// How far `row` goes along the unit vector `along`; that part of it is taken away.
-double takePart(Vector& row, const Vector& along) noexcept {
-  const double part = dot(row, along);
-  row -= part * along;
-  return part;
-}
-
 double degreesOf(double sine, double cosine) noexcept {
   const double s = clamped(sine), c = clamped(cosine);
   return isSmall(s) && isSmall(c) ? 0.0 : toDegrees(std::atan2(s, c));
@@ -51,10 +44,12 @@ bool atelierDecompose(const AffineMatrix& matrix, Point& translate, Vector& scal
   matrix.getFrame(translate, x, y, z);
 
   const double scaleX = takeLength(x);
-  double shearX = takePart(y, x);
+  double shearX = dot(y, x);
+  y -= shearX * x;
   const double scaleY = takeLength(y);
   if (!isSmall(scaleY)) shearX /= scaleY;
-  double shearY = takePart(z, x), shearZ = takePart(z, y);
+  double shearY = dot(z, x), shearZ = dot(z, y);
+  z -= shearY * x + shearZ * y;
   const double scaleZ = takeLength(z);
   if (!isSmall(scaleZ)) {
     shearY /= scaleZ;
