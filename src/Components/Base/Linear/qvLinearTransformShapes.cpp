@@ -41,8 +41,12 @@ void AffineMatrix::preMult(Range3d& out, const Range3d& in) const noexcept {
   // Each row adds to the lowest corner what is less at the two ends, and to the highest what is more.
   Row low(0.0, 0.0, 0.0), high = low;
   detail::forEach<3>([&](int axis) {
-    const Row row = Row::at((*this)[axis]);
-    const Row a = in.low()[axis] * row, b = in.high()[axis] * row;
+    const double* const row = (*this)[axis];
+    // Where a row has 0 an end adds nothing, were it infinite.
+    const auto times = [row](double end) {
+      return Row::made([&](int i) { return row[i] == 0.0 ? 0.0 : end * row[i]; });
+    };
+    const Row a = times(in.low()[axis]), b = times(in.high()[axis]);
     low = low + Row::made([&](int i) { return std::min(a[i], b[i]); });
     high = high + Row::made([&](int i) { return std::max(a[i], b[i]); });
   });

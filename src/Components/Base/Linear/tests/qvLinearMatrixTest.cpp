@@ -324,6 +324,8 @@ TEST(LinearMatrix, DirectionsAndNormalsOfMirroredAndShearedFrames) {
   Range3d empty;
   empty.setEmpty();
   EXPECT_TRUE((empty * AffineMatrix(-3.0)).isEmpty());
+  const Range3d half(Point(0, -infinity, 1), Point(infinity, infinity, 2));
+  EXPECT_TRUE(half * AffineMatrix(-1.0) == Range3d(Point(-infinity, -infinity, -2), Point(0, infinity, -1)));
 }
 
 TEST(LinearMatrix, TextFollowsTheStream) {
