@@ -35,6 +35,15 @@ struct ClassList {
   }
 };
 
+// Expects a sign for every class T of a list: '+' where it has the expressions over these parameters.
+#define EXPECT_SIGNS(List, parameters, expected, ...)                                                        \
+  EXPECT_EQ(List::signs([]<class T>(T*) {                                                                    \
+              return requires parameters { __VA_ARGS__; }                                                    \
+              ? '+' : '.';                                                                                   \
+            }),                                                                                              \
+            expected)                                                                                        \
+      << #__VA_ARGS__
+
 using Family = ClassList<Vector, Vector2, VectorFlt, Vector2Flt, Point, Point2, PointFlt, Point2Flt, Normal,
                          RPoint, HPoint, Tuple2, Tuple3, Tuple4>;
 

@@ -22,16 +22,11 @@ std::string sources() {
 
 // Expects which classes T have an expression over a value a, constants b and c, and addresses of numbers.
 // Signs stand for the 4 vectors, the 4 points, the normal, the 2 points with weights and the 3 tuples.
-#define EXPECT_CLASSES(expected, ...)                                                                        \
-  EXPECT_EQ(Family::signs([]<class T>(T*) {                                                                  \
-              return requires(T a, const T b, const T c, typename T::Number* p, const typename T::Number* q, \
-                              double d, float* f, double* w, std::ostream& out) {                            \
-                __VA_ARGS__;                                                                                 \
-              }                                                                                              \
-              ? '+' : '.';                                                                                   \
-            }),                                                                                              \
-            expected)                                                                                        \
-      << #__VA_ARGS__
+#define EXPECT_CLASSES(...)                                                                                  \
+  EXPECT_SIGNS(Family,                                                                                       \
+               (T a, const T b, const T c, typename T::Number* p, const typename T::Number* q, double d,     \
+                float* f, double* w, std::ostream& out),                                                     \
+               __VA_ARGS__)
 
 TEST(LinearFamily, OperationsByClass) {
   EXPECT_CLASSES("++++++++++++++", requires std::is_trivially_default_constructible_v<T>;

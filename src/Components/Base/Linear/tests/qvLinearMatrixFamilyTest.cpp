@@ -13,16 +13,11 @@ namespace {
 
 // Expects which matrices T have an expression. Signs stand for AffineMatrix, AffineMatrixFlt, AffineMatrix2,
 // ProjMatrix and ProjMatrixFlt.
-#define EXPECT_MATRICES(expected, ...)                                                                       \
-  EXPECT_EQ(Matrices::signs([]<class T>(T*) {                                                                \
-              return requires(T a, const T b, const T c, typename T::Number* p, const typename T::Number* q, \
-                              double d, bool ok, Point point, Vector v, Normal n, std::ostream& out) {       \
-                __VA_ARGS__;                                                                                 \
-              }                                                                                              \
-              ? '+' : '.';                                                                                   \
-            }),                                                                                              \
-            expected)                                                                                        \
-      << #__VA_ARGS__
+#define EXPECT_MATRICES(...)                                                                                 \
+  EXPECT_SIGNS(Matrices,                                                                                     \
+               (T a, const T b, const T c, typename T::Number* p, const typename T::Number* q, double d,     \
+                bool ok, Point point, Vector v, Normal n, std::ostream& out),                                \
+               __VA_ARGS__)
 
 // The same of an element that stands on the left of a matrix.
 #define EXPECT_TRANSFORMED(Element, expected)                                                                \
