@@ -10,12 +10,6 @@ constinit const AffineMatrix AffineMatrix::Identity(1.0);
 
 bool AffineMatrix::invert() noexcept { return detail::invertAffineByElimination<3>(m_.n); }
 
-AffineMatrix AffineMatrix::inverse() const noexcept {
-  AffineMatrix copy = *this;
-  copy.invert();
-  return copy;
-}
-
 AffineMatrix AffineMatrix::vectorMatrix(bool& ok) const noexcept {
   AffineMatrix copy = *this;
   ok = copy.invert();

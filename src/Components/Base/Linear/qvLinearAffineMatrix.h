@@ -54,7 +54,7 @@ public:
   /// below `epsilonTol`. A scale by 1e-5 can be inverted by `invert` alone.
   bool invertFast() noexcept { return detail::invertAffineFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
-  [[nodiscard]] QV_BASE_API AffineMatrix inverse() const noexcept;
+  [[nodiscard]] AffineMatrix inverse() const noexcept { return inverted(); }
 
   using SpaceMatrix::preMult;
   /// @{ Transforms `in` into `out`. Does nothing at all where both are the same object: use a separate `out`.

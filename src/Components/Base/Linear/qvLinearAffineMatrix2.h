@@ -26,7 +26,7 @@ public:
   AffineMatrix2& scale(double x, double y) noexcept;
   AffineMatrix2& scale(double factor) noexcept { return scale(factor, factor); }
   /// Counter-clockwise, in radians, about the origin.
-  QV_BASE_API AffineMatrix2& rotate(double angle) noexcept;
+  AffineMatrix2& rotate(double angle) noexcept { return turn(0, 1, angle); }
   /// @}
 
   /// The translation is lost: it becomes 0.
@@ -41,7 +41,7 @@ public:
   /// @return false where a pivot is below `epsilonTol`; the matrix is unchanged then.
   QV_BASE_API bool invert() noexcept;
   /// The inverse as `invert` makes it; this matrix itself where that fails.
-  [[nodiscard]] QV_BASE_API AffineMatrix2 inverse() const noexcept;
+  [[nodiscard]] AffineMatrix2 inverse() const noexcept { return inverted(); }
   /// Whether the determinant is not below `epsilonTol`.
   [[nodiscard]] bool isInvertible() const noexcept { return detail::isUsableDeterminant(det2x2()); }
 
@@ -68,9 +68,6 @@ public:
   }
   [[nodiscard]] Vector2 getTranslate() const noexcept { return Vector2((*this)[2]); }
   /// @}
-
-private:
-  using Row = detail::Numbers<double, 2>;
 };
 
 static_assert(sizeof(AffineMatrix2) == 48 && std::is_trivially_copyable_v<AffineMatrix2> &&
@@ -89,13 +86,13 @@ static_assert(sizeof(AffineMatrix2) == 48 && std::is_trivially_copyable_v<Affine
 }
 
 inline AffineMatrix2& AffineMatrix2::translate(double x, double y) noexcept {
-  (Row::at((*this)[2]) + detail::weighted<2>(Row(x, y), m_.n)).storeAt((*this)[2]);
+  (row(2) + detail::weighted<2>(Row(x, y), m_.n)).storeAt((*this)[2]);
   return *this;
 }
 
 inline AffineMatrix2& AffineMatrix2::scale(double x, double y) noexcept {
-  (x * Row::at((*this)[0])).storeAt((*this)[0]);
-  (y * Row::at((*this)[1])).storeAt((*this)[1]);
+  (x * row(0)).storeAt((*this)[0]);
+  (y * row(1)).storeAt((*this)[1]);
   return *this;
 }
 

@@ -83,9 +83,25 @@ protected:
     return All::made([value](int i) { return i / width == i % width ? value : T{0}; });
   }
 
-  All m_;
-
+  using Row = detail::Numbers<T, width>;
+  [[nodiscard]] constexpr Row row(int place) const noexcept { return Row::at((*this)[place]); }
+  /// Turns the axis of one row towards that of another.
+  Self& turn(int from, int to, T angle) noexcept {
+    const T sine = std::sin(angle), cosine = std::cos(angle);
+    const Row a = row(from), b = row(to);
+    (cosine * a + sine * b).storeAt((*this)[from]);
+    (cosine * b - sine * a).storeAt((*this)[to]);
+    return self();
+  }
+  /// A copy after `invert`.
+  [[nodiscard]] Self inverted() const noexcept {
+    Self copy = static_cast<const Self&>(*this);
+    (void)copy.invert();
+    return copy;
+  }
   constexpr Self& self() noexcept { return static_cast<Self&>(*this); }
+
+  All m_;
 };
 
 } // namespace qvLinear::base

@@ -1,6 +1,8 @@
 // What the matrices calculate with: a few numbers as one value, such as a row or a whole matrix. Each
 // operation comes out as straight code with a result that is complete before anything is stored, so that a
-// compiler need not fear that the target is also a source. Private to qvLinear.
+// compiler need not fear that the target is also a source. That holds only where all of it is inlined, which
+// compilers do not see by themselves: hence always_inline, here and where these values are put together.
+// Private to qvLinear.
 #pragma once
 
 #include "Base/Linear/qvLinearComponents.h"

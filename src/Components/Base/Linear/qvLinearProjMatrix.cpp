@@ -12,12 +12,6 @@ constinit const ProjMatrixFlt ProjMatrixFlt::Identity(1.0F);
 
 bool ProjMatrix::invert() noexcept { return detail::invertByElimination<4>(m_.n); }
 
-ProjMatrix ProjMatrix::inverse() const noexcept {
-  ProjMatrix copy = *this;
-  copy.invert();
-  return copy;
-}
-
 void ProjMatrix::preMult(HPoint* out, const HPoint* in, std::size_t count) const noexcept {
   const All m = m_; // `out` cannot be a part of it
   detail::transformArray<1>(out, in, count,

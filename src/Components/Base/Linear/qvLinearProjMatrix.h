@@ -42,7 +42,7 @@ public:
   /// below `epsilonTol`.
   bool invertFast() noexcept { return detail::invertProjectiveFast(m_.n); }
   /// The inverse as `invert` makes it; this matrix itself where that fails.
-  [[nodiscard]] QV_BASE_API ProjMatrix inverse() const noexcept;
+  [[nodiscard]] ProjMatrix inverse() const noexcept { return inverted(); }
   /// Whether the fourth column is (0, 0, 0, 1), each number to less than `epsilonTol`.
   [[nodiscard]] bool isAffine() const noexcept;
 

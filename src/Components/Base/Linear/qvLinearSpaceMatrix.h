@@ -68,22 +68,15 @@ public:
 
 protected:
   using Matrix<Self, double, 4, width>::Matrix;
-  using Row = detail::Numbers<double, width>;
+  using typename Matrix<Self, double, 4, width>::Row;
+  using Matrix<Self, double, 4, width>::row;
+  using Matrix<Self, double, 4, width>::turn;
 
 private:
-  [[nodiscard]] Row row(int place) const noexcept { return Row::at((*this)[place]); }
   Self& setRows(const Row& x, const Row& y, const Row& z) noexcept {
     x.storeAt((*this)[0]);
     y.storeAt((*this)[1]);
     z.storeAt((*this)[2]);
-    return this->self();
-  }
-  /// Turns the axis of one row towards that of another.
-  Self& turn(int from, int to, double angle) noexcept {
-    const double sine = std::sin(angle), cosine = std::cos(angle);
-    const Row a = row(from), b = row(to);
-    (cosine * a + sine * b).storeAt((*this)[from]);
-    (cosine * b - sine * a).storeAt((*this)[to]);
     return this->self();
   }
   Self& applyFirst(const detail::Linear3& first) noexcept {
