@@ -43,7 +43,8 @@ static_assert(sizeof(Quaternion) == 32 && std::is_trivially_copyable_v<Quaternio
               std::is_standard_layout_v<Quaternion> && std::is_trivially_default_constructible_v<Quaternion>);
 
 /// From `a` at t = 0 to `b` at t = 1, the shorter way and at an even pace. Where the dot product of the two
-/// is below 0, that way begins at -a, which is the same rotation as `a`.
+/// is below 0, that way begins at -a, which is the same rotation as `a`. Where it is, without its sign, above
+/// `parallelTol`, the way is straight.
 [[nodiscard]] QV_BASE_API Quaternion slerp(const Quaternion& a, const Quaternion& b, double t) noexcept;
 
 } // namespace qvLinear

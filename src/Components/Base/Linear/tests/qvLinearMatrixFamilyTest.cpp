@@ -75,16 +75,12 @@ TEST(LinearMatrixFamily, OperationsByClass) {
 }
 
 TEST(LinearMatrixFamily, OperationsOfQuaternions) {
-  const bool all = []<class T>(T*) {
-    return requires(T a, const T b, double d, double* p, const double* q, Normal n, AffineMatrix m) {
-      requires std::is_trivially_default_constructible_v<T> && std::is_trivially_copyable_v<T>;
-      T(d, n), T(q), T(d, d, d, d), a.setAngleAxis(d, n), a.getAngleAxis(d, n);
-      a.setFrame(n, n, n), b.getFrame(n, n, n), b.getMatrix(m), a.normalize();
-      a *= d, a /= d, b / d, b == a, b != a, qvLinear::equivalent(a, b, d), b.get(p), q = b;
-      { qvLinear::slerp(a, b, d) } -> std::same_as<T>;
-    };
-  }(static_cast<Quaternion*>(nullptr));
-  EXPECT_TRUE(all);
+  EXPECT_SIGNS(
+      ClassList<Quaternion>, (T a, const T b, double d, double* p, const double* q, Normal n, AffineMatrix m),
+      "+", requires std::is_trivially_default_constructible_v<T> && std::is_trivially_copyable_v<T>;
+      T(d, n); T(q); T(d, d, d, d); a.setAngleAxis(d, n); a.getAngleAxis(d, n); a.setFrame(n, n, n);
+      b.getFrame(n, n, n); b.getMatrix(m); a.normalize(); a *= d; a /= d; b / d; b == a; b != a;
+      equivalent(a, b, d); b.get(p); q = b; { slerp(a, b, d) } -> std::same_as<T>);
 }
 
 } // namespace

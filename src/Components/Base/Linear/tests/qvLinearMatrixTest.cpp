@@ -193,6 +193,12 @@ TEST(LinearMatrix, InversesOfWellAndBadlyScaledMatrices) {
     }
     EXPECT_TRUE(singular == before && tiny == M(1e-5) && tiny.invert());
     EXPECT_NEAR(tiny[0][0], 1e5, 1e-9);
+    M edge(1.0);
+    edge[linear - 1][linear - 1] = epsilonTol;
+    EXPECT_TRUE(edge.isInvertible() && M(edge).invert()) << "not below it";
+    epsilonTol *= 2;
+    EXPECT_FALSE(edge.isInvertible() || edge.invert()) << "read at the call";
+    epsilonTol /= 2;
     M bad(notANumber);
     bad.invert();
     EXPECT_TRUE(std::isnan(bad[0][0]));
