@@ -98,11 +98,12 @@ inline bool invertAffineFast(double* m) noexcept {
   const Pair a0 = {y0, z0}, a1 = {y1, z1}, a2 = {y2, z2}, b0 = {z0, x0}, b1 = {z1, x1}, b2 = {z2, x2};
   const Pair pair0 = a1 * b2 - a2 * b1, pair1 = a2 * b0 - a0 * b2, pair2 = a0 * b1 - a1 * b0;
   const double determinant = x0 * pair0[0] + x1 * pair1[0] + x2 * pair2[0];
-  if (!isUsableDeterminant(determinant)) return false;
   const double last0 = x1 * y2 - x2 * y1, last1 = x2 * y0 - x0 * y2, last2 = x0 * y1 - x1 * y0;
   const Pair moved = t0 * pair0 + t1 * pair1 + t2 * pair2;
   const double lastMoved = t0 * last0 + t1 * last1 + t2 * last2;
-  const double factor = 1.0 / determinant; // last, since all else need not wait for it
+  // Here at last: the code above stays in one piece, and need not wait for the quotient.
+  if (!isUsableDeterminant(determinant)) return false;
+  const double factor = 1.0 / determinant;
   const auto store = [m](int row, Pair pair, double last, double by) {
     pair *= by;
     Numbers<double, 3>(pair[0], pair[1], last * by).storeAt(m + 3 * row);
