@@ -2,6 +2,8 @@
 // what each announces to `beforeCall`. What a signal interrupts goes on.
 #pragma once
 
+#include "Base/Platform/qvPlatformDeadline.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -94,11 +96,10 @@ struct SocketWait {
   bool ready;
 };
 
-/// Waits until one of the sockets can be read, accepted from or is broken, at most `microseconds`; negative
-/// means no limit [poll]. `*readyCount` (may be null) is 0 after the limit. An invalid handle is an error,
-/// and so are an empty set without a limit and, on some systems, more than 64 sockets.
-[[nodiscard]] int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
-                               std::size_t* readyCount) noexcept;
+/// Waits until one of the sockets can be read, accepted from or is broken, or the time is over, and then none
+/// is ready [poll]. An invalid handle is an error, and so are an empty set without a deadline and, on some
+/// systems, more than 64 sockets.
+[[nodiscard]] int waitReadable(SocketWait* sockets, std::size_t count, const Deadline& deadline) noexcept;
 
 /// The number of the host at one end, dotted for IPv4, and the port [getsockname, getpeername].
 enum class SocketEnd { local, remote };

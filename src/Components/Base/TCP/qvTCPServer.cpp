@@ -8,7 +8,6 @@
 #include "Base/TCP/qvTCPSocketSet.h"
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -96,22 +95,6 @@ SocketHandle openFor(unsigned family) noexcept {
   return hasFamily(family) && qvPlatform::openListener(family, &handle) == 0 ? handle : noSocket;
 }
 
-/// What is left of a limit of microseconds, of which a negative one is none.
-class TimeLeft {
-public:
-  explicit TimeLeft(std::int64_t limit) noexcept : limit_(limit) {}
-  [[nodiscard]] std::int64_t microseconds() const noexcept {
-    if (limit_ < 0) return limit_;
-    const auto passed = std::chrono::steady_clock::now() - start_;
-    const auto count = std::chrono::duration_cast<std::chrono::microseconds>(passed).count();
-    return std::max<std::int64_t>(limit_ - count, 0);
-  }
-
-private:
-  std::int64_t limit_;
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
-
 } // namespace
 
 ListeningSocket::ListeningSocket(std::intptr_t handle) { getImpl()->handle = handle; }
@@ -170,16 +153,16 @@ qv::pair<Socket*, Error> Server::accept(const Interval& interval) {
   auto& impl = impl_.as<ServerImpl>();
   if (impl.sockets.empty())
     if (const Error error = listen()) return {nullptr, error};
-  const TimeLeft left(waitLimit(interval));
+  const qvPlatform::Deadline deadline = deadlineAfter(interval);
   do {
     SocketSet ready;
     for (const SocketHandle socket : impl.sockets) ready.add(socket);
     SocketHandle accepted = noSocket;
-    int number = ready.isEmpty() ? everythingClosed() : ready.wait(left.microseconds());
+    int number = ready.isEmpty() ? everythingClosed() : ready.wait(deadline);
     if (!number && !ready.isEmpty()) number = qvPlatform::acceptSocket(ready.first(), &accepted);
     if (number) return {nullptr, systemError(1, number)};
     if (accepted != noSocket) return serverSocket(accepted);
-  } while (left.microseconds() != 0);
+  } while (!deadline.isPast());
   return {nullptr, Error()};
 }
 

@@ -30,8 +30,8 @@ public:
 /// locks.
 class Server {
 public:
-  /// `port` is 0 to 65535, or -1 to have the system choose one; about `backlog` connections may wait to be
-  /// accepted. Nothing listens yet.
+  /// `port` is 1 to 65535, or -1 to have the system choose one; with 0 it chooses too, but over IPv4 alone
+  /// `getPort` does not tell which. About `backlog` connections may wait to be accepted. Nothing listens yet.
   QV_BASE_API explicit Server(int port = -1, int backlog = 1);
   /// Closes both listening sockets. Accepted sockets are their holders'.
   QV_BASE_API ~Server();

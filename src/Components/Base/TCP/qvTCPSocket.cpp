@@ -51,16 +51,9 @@ Error moveAll(const SocketImpl& impl, std::uint64_t count, std::uint64_t* total,
   return thrownInThrowMode(impl, error);
 }
 
-void setLength(CString& text, unsigned int length) {
-  if (text.length() > length)
-    text.erase(length);
-  else if (text.length() < length)
-    text.append(CString(length - text.length(), '\0'));
-}
-
 int waitFor(const SocketImpl& impl, const Interval& limit) noexcept {
   qvPlatform::SocketWait entry{impl.handle, false};
-  return qvPlatform::waitReadable(&entry, 1, waitLimit(limit), nullptr);
+  return qvPlatform::waitReadable(&entry, 1, deadlineAfter(limit));
 }
 
 Error makeAddress(const SocketImpl& impl, SocketEnd end, std::unique_ptr<Address>& address) {
@@ -138,17 +131,21 @@ Error Socket::write(const CString& text) {
 
 Error Socket::write(const IString& text) { return write(CString(text.asUTF8())); }
 
-// A whole frame changes places with `text`: so nothing is copied, and `text` keeps its value until then.
+// `text` keeps its value until the frame is whole. Then the two change places, so that nothing is copied and
+// frames of like length need no new memory.
 Error Socket::read(CString& text) {
   unsigned char head[2];
   if (const Error error = read(head, sizeof head, nullptr)) return error;
   const unsigned int length = 256u * head[0] + head[1];
-  CString& received = impl_->received;
-  setLength(received, length);
+  CString& frame = impl_->frame;
+  if (frame.length() < length)
+    frame = CString(length, '\0');
+  else
+    frame.erase(length);
   if (length)
-    if (const Error error = read(&received[0], length, nullptr)) return error;
-  text.swap(received);
-  if (received.capacity() > 2 * frameLimit) received = CString();
+    if (const Error error = read(&frame[0], length, nullptr)) return error;
+  text.swap(frame);
+  if (frame.capacity() > frameLimit) frame = CString();
   return Error();
 }
 

@@ -52,7 +52,8 @@ public:
   /// Writes the text's UTF-8 form as one frame.
   qvUtil::Error write(const qvString::IString& text);
 
-  /// Reads one frame. `text` keeps its value where the frame did not come whole. Errors as of the raw `read`.
+  /// Reads one frame. `text` keeps its value where the frame did not come whole. The memory of that value, up
+  /// to 64 KB, may stay this socket's own. Errors as of the raw `read`.
   qvUtil::Error read(qvString::CString& text);
   qvUtil::Error read(qvString::IString& text);
 

@@ -2,6 +2,7 @@
 
 #include "Base/Platform/qvPlatformError.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace qvTCP {
@@ -21,10 +22,10 @@ void startSockets() {
     protocolFamilies = qvPlatform::familyIPv4;
 }
 
-std::int64_t waitLimit(const qvUtil::Interval& interval) noexcept {
-  if (interval.isZero()) return -1;
+qvPlatform::Deadline deadlineAfter(const qvUtil::Interval& interval) noexcept {
+  if (interval.isZero()) return qvPlatform::Deadline(-1);
   const std::int64_t microseconds = std::int64_t{interval.seconds()} * 1'000'000 + interval.microseconds();
-  return microseconds < 0 ? 0 : microseconds;
+  return qvPlatform::Deadline(std::max<std::int64_t>(microseconds, 0));
 }
 
 qvUtil::Error systemError(int code, int number, const char* format) {

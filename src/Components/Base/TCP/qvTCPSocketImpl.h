@@ -26,7 +26,7 @@ public:
   std::int32_t closedSides = 0; // bit 1 reading, bit 2 writing
   std::int32_t descriptor = -1; // the stream's duplicate
   std::FILE* stream = nullptr;  // owns `descriptor`
-  qvString::CString received;   // room for the next frame of text; its content means nothing
+  qvString::CString frame;      // room for the next one, 64 KB at most; its content means nothing
 
   [[nodiscard]] bool isOpen() const noexcept { return handle != qvPlatform::noSocket; }
   /// Whether adding `how` leaves no side open.
@@ -46,8 +46,8 @@ extern unsigned protocolFamilies;
   return (protocolFamilies & family) != 0;
 }
 
-/// The limit that `qvPlatform::waitReadable` takes: a zero interval means none.
-[[nodiscard]] std::int64_t waitLimit(const qvUtil::Interval& interval) noexcept;
+/// When a wait that begins now ends: never where the interval is zero, at once where it is negative.
+[[nodiscard]] qvPlatform::Deadline deadlineAfter(const qvUtil::Interval& interval) noexcept;
 
 /// Success for 0; otherwise a failure with `code`. A format has one "%s" for the system's text.
 [[nodiscard]] qvUtil::Error systemError(int code, int number, const char* format = "%s");

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 
 namespace qvTCP {
 
@@ -31,9 +30,8 @@ public:
   [[nodiscard]] qvPlatform::SocketHandle first() const noexcept { return entries_[0].socket; }
 
   /// As `qvPlatform::waitReadable`; keeps those that are ready. A failure leaves the set as it was.
-  [[nodiscard]] int wait(std::int64_t microseconds) noexcept {
-    const int number = qvPlatform::waitReadable(entries_.data(), size_, microseconds, nullptr);
-    if (number) return number;
+  [[nodiscard]] int wait(const qvPlatform::Deadline& deadline) noexcept {
+    if (const int number = qvPlatform::waitReadable(entries_.data(), size_, deadline)) return number;
     const auto isReady = [](const qvPlatform::SocketWait& entry) { return entry.ready; };
     size_ =
         static_cast<std::size_t>(std::stable_partition(entries_.begin(), end(), isReady) - entries_.begin());

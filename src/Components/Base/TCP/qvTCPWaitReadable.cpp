@@ -40,7 +40,7 @@ void WaitReadable::add(const Server& server) {
 void WaitReadable::reset() { impl_.as<WaitReadableImpl>().set.clear(); }
 
 Error WaitReadable::wait(Interval interval) {
-  return systemError(1, impl_.as<WaitReadableImpl>().set.wait(waitLimit(interval)));
+  return systemError(1, impl_.as<WaitReadableImpl>().set.wait(deadlineAfter(interval)));
 }
 
 bool WaitReadable::isReadable(const Socket& socket) const {
@@ -58,7 +58,7 @@ Error waitReadable(const qv::vector<Socket*>& sockets, qv::vector<Socket*>& read
   SocketSet set;
   for (const Socket* socket : sockets)
     if (socket) set.add(socket->getImpl()->handle);
-  if (set.wait(waitLimit(interval))) return Error(1, "select() failed");
+  if (set.wait(deadlineAfter(interval))) return Error(1, "select() failed");
   for (int i = 0, count = sockets.size(); i < count; ++i) {
     Socket* const socket = sockets[i];
     if (socket && set.contains(socket->getImpl()->handle)) ready.push_back(socket);

@@ -14,7 +14,6 @@
 
 #include "Base/Platform/qvPlatformSocketAddress.h" // needs the headers above
 
-#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <memory>
@@ -63,29 +62,14 @@ int setOption(SocketHandle socket, int level, int option, const T& value) noexce
                    [&] { return ::setsockopt(descriptorOf(socket), level, option, &value, sizeof value); });
 }
 
-// Milliseconds until `end`, rounded up so that a wait never ends before its time; at most what `poll` takes.
-int millisecondsUntil(std::chrono::steady_clock::time_point end) noexcept {
-  using std::chrono::ceil, std::chrono::milliseconds;
-  const auto left = ceil<milliseconds>(end - std::chrono::steady_clock::now()).count();
-  return static_cast<int>(std::clamp<long long>(left, 0, INT_MAX));
-}
-
-int pollUntil(pollfd* entries, std::size_t count, std::int64_t microseconds, int* ready) noexcept {
-  using std::chrono::steady_clock;
-  // A limit beyond what the clock can add is as good as none.
-  const bool limited = microseconds >= 0 && microseconds < INT64_MAX / 4000;
-  const auto end = steady_clock::now() + std::chrono::microseconds(limited ? microseconds : 0);
-  for (;;) {
-    const int limit = limited ? millisecondsUntil(end) : -1;
-    int error = beforeCall("poll");
-    if (!error) {
-      *ready = ::poll(entries, count, limit);
-      if (*ready > 0) return 0;
-      if (*ready == 0 && (!limited || steady_clock::now() >= end)) return 0;
-      error = *ready < 0 ? errno : 0;
-    }
-    if (error && error != EINTR) return error;
-  }
+int pollUntil(pollfd* entries, std::size_t count, const Deadline& deadline) noexcept {
+  constexpr std::chrono::milliseconds most(INT_MAX);
+  const auto wait = [&] { return ::poll(entries, count, static_cast<int>(deadline.left(most).count())); };
+  int ready = 0;
+  do {
+    if (const int error = retryCall("poll", wait, ready)) return error;
+  } while (ready == 0 && !deadline.isPast());
+  return 0;
 }
 
 } // namespace
@@ -179,23 +163,19 @@ int acceptSocket(SocketHandle listener, SocketHandle* socket) noexcept {
   return nobodyWaits ? 0 : error;
 }
 
-int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
-                 std::size_t* readyCount) noexcept try {
-  if (readyCount) *readyCount = 0;
-  if (count == 0 && microseconds < 0) return EINVAL;
+int waitReadable(SocketWait* sockets, std::size_t count, const Deadline& deadline) noexcept try {
+  if (count == 0 && deadline.isNever()) return EINVAL;
   std::vector<pollfd> entries(count);
   for (std::size_t i = 0; i < count; ++i) {
     entries[i] = {descriptorOf(sockets[i].socket), POLLIN, 0};
     sockets[i].ready = false;
     if (entries[i].fd < 0) return EBADF;
   }
-  int ready = 0;
-  if (const int error = pollUntil(entries.data(), count, microseconds, &ready)) return error;
+  if (const int error = pollUntil(entries.data(), count, deadline)) return error;
   for (std::size_t i = 0; i < count; ++i) {
     if (entries[i].revents & POLLNVAL) return EBADF;
     sockets[i].ready = entries[i].revents != 0;
   }
-  if (readyCount) *readyCount = static_cast<std::size_t>(ready);
   return 0;
 } catch (const std::bad_alloc&) {
   return ENOMEM;

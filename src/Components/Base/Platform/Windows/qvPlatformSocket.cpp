@@ -92,23 +92,19 @@ int selectWithin(fd_set* set, std::chrono::microseconds limit) noexcept {
   return ::select(0, set, nullptr, nullptr, &time);
 }
 
-// Leaves those sockets in the set that are ready. Never ends before its time.
-int selectUntil(fd_set* set, std::int64_t limit) noexcept {
-  using std::chrono::steady_clock, std::chrono::microseconds;
-  constexpr microseconds none(0), most = std::chrono::hours(1);
-  // A limit beyond what the clock can add is as good as none.
-  const bool limited = limit >= 0 && limit < INT64_MAX / 4000;
-  const auto end = steady_clock::now() + microseconds(limited ? limit : 0);
+// Leaves those sockets in the set that are ready.
+int selectUntil(fd_set* set, const Deadline& deadline) noexcept {
+  constexpr std::chrono::microseconds most = std::chrono::hours(1);
   const fd_set wanted = *set;
-  for (int ready = 0;;) {
+  const auto wait = [&] {
     *set = wanted;
-    const auto left =
-        limited ? std::clamp(std::chrono::ceil<microseconds>(end - steady_clock::now()), none, most) : most;
-    if (const int error = retryCall(
-            "poll", [&] { return selectWithin(set, left); }, ready))
-      return error;
-    if (ready > 0 || (limited && steady_clock::now() >= end)) return 0;
-  }
+    return selectWithin(set, deadline.left(most));
+  };
+  int ready = 0;
+  do {
+    if (const int error = retryCall("poll", wait, ready)) return error;
+  } while (ready == 0 && !deadline.isPast());
+  return 0;
 }
 
 } // namespace
@@ -178,7 +174,7 @@ int sendSome(SocketHandle socket, const void* buffer, std::size_t size, std::siz
   return error;
 }
 
-// Ports whose connections are closing may be had in any case.
+// A port whose last connections have ended may be had in any case; this option keeps it from everybody else.
 int openListener(unsigned family, SocketHandle* socket) noexcept {
   if (const int error = openStream(familyNumber(family), SOCK_STREAM, 0, socket)) return error;
   int error = setOption(*socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, BOOL{TRUE});
@@ -215,10 +211,8 @@ int acceptSocket(SocketHandle listener, SocketHandle* socket) noexcept {
   return nobodyWaits ? 0 : error;
 }
 
-int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microseconds,
-                 std::size_t* readyCount) noexcept {
-  if (readyCount) *readyCount = 0;
-  if ((count == 0 && microseconds < 0) || count > FD_SETSIZE) return WSAEINVAL;
+int waitReadable(SocketWait* sockets, std::size_t count, const Deadline& deadline) noexcept {
+  if ((count == 0 && deadline.isNever()) || count > FD_SETSIZE) return WSAEINVAL;
   fd_set set;
   set.fd_count = static_cast<u_int>(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -226,11 +220,9 @@ int waitReadable(SocketWait* sockets, std::size_t count, std::int64_t microsecon
     sockets[i].ready = false;
     if (sockets[i].socket == noSocket) return WSAENOTSOCK;
   }
-  if (const int error = selectUntil(&set, microseconds)) return error;
-  std::size_t ready = 0;
+  if (const int error = selectUntil(&set, deadline)) return error;
   for (std::size_t i = 0; i < count; ++i)
-    ready += sockets[i].ready = ::__WSAFDIsSet(nativeOf(sockets[i].socket), &set) != 0;
-  if (readyCount) *readyCount = ready;
+    sockets[i].ready = ::__WSAFDIsSet(nativeOf(sockets[i].socket), &set) != 0;
   return 0;
 }
 

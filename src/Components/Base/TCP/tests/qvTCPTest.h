@@ -10,15 +10,30 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace qvTCPTest {
 
 inline constexpr unsigned four = qvPlatform::familyIPv4, six = qvPlatform::familyIPv6;
 
+/// Those of the combinations that this machine's loopback has.
+inline std::vector<unsigned> available(std::initializer_list<unsigned> combinations) {
+  std::vector<unsigned> result = combinations;
+  std::erase_if(result, [](unsigned families) { return (families & six) && !qvTest::hasIPv6(); });
+  return result;
+}
+
+inline const qvString::IString& loopback(unsigned family) {
+  return family == six ? qvTCP::Address::localhostV6 : qvTCP::Address::localhost;
+}
+
 inline std::string told(const qvUtil::Error& error) {
   return std::to_string(error.num()) + " " + error.message();
 }
-inline bool startsWith(const std::string& text, const std::string& start) { return text.starts_with(start); }
+/// Whether the error is told so, up to the system's text.
+inline bool tells(const qvUtil::Error& error, const std::string& start) {
+  return told(error).starts_with(start) || (ADD_FAILURE() << told(error), false);
+}
 
 /// The families as the process sees them, for one scope.
 struct Families {
@@ -40,8 +55,7 @@ struct LocalServer : qvTCP::Server {
 
 /// A client of a server, already connected.
 inline std::unique_ptr<qvTCP::ClientSocket> connectTo(const qvTCP::Server& server, unsigned family = four) {
-  const auto& host = family == four ? qvTCP::Address::localhost : qvTCP::Address::localhostV6;
-  auto client = std::make_unique<qvTCP::ClientSocket>(qvTCP::Address(host, server.getPort()));
+  auto client = std::make_unique<qvTCP::ClientSocket>(qvTCP::Address(loopback(family), server.getPort()));
   (void)client->connect();
   EXPECT_TRUE(client->getImpl()->isOpen());
   return client;

@@ -34,8 +34,8 @@ TEST(TCPWindows, WaitsForNoMoreThanItCan) {
   addrinfo* const list = qvTCP::Address("127.0.0.1", 1).getAddrInfo(false);
   for (auto& entry : sockets) ASSERT_EQ(qvPlatform::openSocket(list, &entry.socket), 0);
   qvPlatform::freeAddressList(list);
-  EXPECT_NE(qvPlatform::waitReadable(sockets.data(), 65, 0, nullptr), 0);
-  EXPECT_EQ(qvPlatform::waitReadable(sockets.data(), 64, 0, nullptr), 0);
+  EXPECT_NE(qvPlatform::waitReadable(sockets.data(), 65, qvPlatform::Deadline(0)), 0);
+  EXPECT_EQ(qvPlatform::waitReadable(sockets.data(), 64, qvPlatform::Deadline(0)), 0);
   for (const auto& entry : sockets) qvPlatform::closeSocket(entry.socket);
 }
 
